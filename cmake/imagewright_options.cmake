@@ -1,0 +1,33 @@
+# Settings that hold for every target.
+
+option(IMAGEWRIGHT_TESTS "Build the tests" ON)
+option(IMAGEWRIGHT_BENCHES "Build the benchmarks" OFF)
+option(IMAGEWRIGHT_FUZZERS "Build the fuzz targets (needs clang)" OFF)
+set(IMAGEWRIGHT_SANITIZERS "" CACHE STRING "Sanitizers to build with, as in -fsanitize=")
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+
+if(IMAGEWRIGHT_SANITIZERS)
+    add_compile_options(-fsanitize=${IMAGEWRIGHT_SANITIZERS} -fno-omit-frame-pointer)
+    if(IMAGEWRIGHT_SANITIZERS MATCHES "undefined")
+        add_compile_options(-fno-sanitize-recover=undefined)
+    endif()
+    add_link_options(-fsanitize=${IMAGEWRIGHT_SANITIZERS})
+endif()
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+    # Precompiled headers are cached only when ccache may ignore their time stamps.
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+        CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${CCACHE_PROGRAM})
+    add_compile_options(-fpch-preprocess)
+endif()

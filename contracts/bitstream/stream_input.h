@@ -1,0 +1,14 @@
+#ifndef STREAM_INPUT_H
+#define STREAM_INPUT_H
+
+#include <string>
+
+/// One file of a bitstream with what the setup asks to be done to it (the attributes of a PATH element).
+struct STREAM_INPUT {
+    std::string path;                  ///< absolute path of the SOF or PMSF file, in the local encoding
+    bool compression = false;          ///< LZ4
+    bool enhanced_compression = false; ///< Zstandard; excludes compression
+    std::string hps_path;              ///< bootloader file, empty for none
+};
+
+#endif

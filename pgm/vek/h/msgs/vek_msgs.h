@@ -1,0 +1,3 @@
+#ifndef VEK_MSGS_H
+#define VEK_MSGS_H
+#endif
