@@ -91,7 +91,7 @@ public:
     /// floats.
     void set_attached(bool attached);
     /// The MDI area of a main frame, or null.
-    QMdiArea* get_mdi_area() const { return m_mdi_area; }
+    QMdiArea* get_mdi_area() const;
     /// The message pane; made when first asked for. Null for a window that is no main window: its messages
     /// appear in the host's main frame.
     MOK_MESSAGE_PANE* get_message_pane();
