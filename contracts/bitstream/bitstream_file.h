@@ -42,7 +42,7 @@ struct BITSTREAM_SECTION {
     SECTION_TAG tag{};
     std::uint64_t offset = 0; ///< in the file, bytes
     std::uint64_t length = 0; ///< bytes
-    std::uint32_t crc = 0;    ///< CRC-32 of the content, as the directory states it
+    std::uint32_t crc = 0;    ///< CRC-32 of the content, as the directory states it; 0 for the digest
 };
 
 /// What a section holds in words, "core data" for CORE; "unknown data" for a tag of a later version.
@@ -100,6 +100,7 @@ public:
     bool verify(std::string& message) const;
 
 private:
+    BITSTREAM_FILE() = default;
     bool read_records(std::string& reason);
     bool read_record(const SECTION_TAG& tag, std::vector<std::uint8_t>& bytes, std::string& reason) const;
 

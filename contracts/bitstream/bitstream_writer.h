@@ -28,6 +28,9 @@ private:
         SECTION_TAG tag;
         std::shared_ptr<const BYTE_SOURCE> content;
     };
+    /// Asks the reader whether it would take the file.
+    bool check(std::vector<std::uint8_t> first_bytes, std::uint64_t size, std::string& message) const;
+
     BITSTREAM_KIND m_kind;
     std::vector<SECTION> m_sections;
 };
