@@ -1,0 +1,123 @@
+#include "command.h"
+#include "fio_file_system.h"
+#include "imagewright_version.h"
+#include "message_printer.h"
+
+#include <charconv>
+#include <ostream>
+
+namespace
+{
+
+constexpr const char* DESCRIPTION =
+    "Turns compiled FPGA configuration data into programming files for boards and configuration flash.\n"
+    "Files inside a setup are relative to the directory that the program runs in (see --directory).";
+
+constexpr const char* FOOTER =
+    "Examples:\n"
+    "  imagewright-cmd list devices --json\n"
+    "  imagewright-cmd sample --device BA25 --seed 1 -o top.sof\n"
+    "  imagewright-cmd generate board.vek\n"
+    "\n"
+    "Exit codes: 0 done, 1 refused by a check, 2 wrong usage, 3 input unreadable,\n"
+    "4 output not written.";
+
+/// The options that stand before or behind every subcommand.
+struct COMMON_OPTIONS {
+    bool json = false;
+    bool quiet = false;
+    bool verbose = false;
+    std::string directory;
+
+    void declare(CLI::App& application)
+    {
+        application.add_flag("--json", json, "Print the result as one JSON document on the standard output");
+        CLI::Option* quiet_flag = application.add_flag("-q,--quiet", quiet, "Print errors only");
+        application.add_flag("-v,--verbose", verbose, "Print each step")->excludes(quiet_flag);
+        application.add_option("-C,--directory", directory, "Run in this directory")->type_name("DIR");
+    }
+};
+
+/// Runs the command that the parsed command line has chosen.
+EXIT_CODE execute_chosen(const std::vector<std::pair<CLI::App*, COMMAND*>>& commands,
+                         const COMMON_OPTIONS& options, std::ostream& out, std::ostream& err)
+{
+    const COMMAND_CONTEXT context{out, err, options.json, options.quiet, options.verbose};
+    if (!options.directory.empty() && !FIO_FILE_SYSTEM::set_current_directory(options.directory)) {
+        context.fail("The directory " + options.directory +
+                     " cannot be entered; name an existing directory behind --directory.");
+        return EXIT_CODE_USAGE;
+    }
+    for (const auto& [subcommand, command] : commands) {
+        if (subcommand->parsed()) {
+            const MESSAGE_PRINTER printer(err, options.quiet, options.verbose);
+            return command->execute(context);
+        }
+    }
+    return EXIT_CODE_USAGE;
+}
+
+} // namespace
+
+void COMMAND_CONTEXT::fail(const std::string& sentence) const
+{
+    err << "imagewright-cmd: " << sentence << '\n';
+    if (json) {
+        out << JSON{{"error", sentence}}.dump(2, ' ', false, JSON::error_handler_t::replace) << '\n';
+    }
+}
+
+void COMMAND_CONTEXT::print(const JSON& document, const std::string& text) const
+{
+    if (json) {
+        // A path that is no valid UTF-8 must not end the program.
+        out << document.dump(2, ' ', false, JSON::error_handler_t::replace) << '\n';
+    } else if (!quiet) {
+        out << text;
+    }
+}
+
+std::string bytes_text(std::uint64_t count)
+{
+    return std::to_string(count) + (count == 1 ? " byte" : " bytes");
+}
+
+std::string hex_text(std::uint64_t value)
+{
+    char digits[16];
+    const std::to_chars_result end = std::to_chars(digits, digits + sizeof digits, value, 16);
+    std::string text(digits, end.ptr);
+    for (char& digit : text) {
+        if (digit >= 'a') {
+            digit = static_cast<char>(digit - 'a' + 'A');
+        }
+    }
+    return "0x" + std::string(text.size() < 8 ? 8 - text.size() : 0, '0') + text;
+}
+
+EXIT_CODE run_command_line(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err)
+{
+    CLI::App application(DESCRIPTION, "imagewright-cmd");
+    application.footer(FOOTER);
+    application.set_version_flag("--version", std::string("imagewright-cmd ") + IMAGEWRIGHT_VERSION);
+    application.require_subcommand(1);
+    application.fallthrough();
+    application.get_formatter()->column_width(34);
+
+    COMMON_OPTIONS options;
+    options.declare(application);
+
+    const std::vector<std::unique_ptr<COMMAND>> commands = make_commands();
+    std::vector<std::pair<CLI::App*, COMMAND*>> subcommands;
+    for (const std::unique_ptr<COMMAND>& command : commands) {
+        subcommands.emplace_back(command->declare(application), command.get());
+    }
+
+    try {
+        // The library wants the arguments last first.
+        application.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::ParseError& error) {
+        return application.exit(error, out, err) == 0 ? EXIT_CODE_DONE : EXIT_CODE_USAGE;
+    }
+    return execute_chosen(subcommands, options, out, err);
+}

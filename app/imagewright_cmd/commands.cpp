@@ -1,0 +1,14 @@
+#include "commands.h"
+
+std::vector<std::unique_ptr<COMMAND>> make_commands()
+{
+    std::vector<std::unique_ptr<COMMAND>> commands;
+    commands.push_back(make_cmd_generate());
+    commands.push_back(make_cmd_check());
+    commands.push_back(make_cmd_show());
+    commands.push_back(make_cmd_inspect());
+    commands.push_back(make_cmd_pack());
+    commands.push_back(make_cmd_sample());
+    commands.push_back(make_cmd_list());
+    return commands;
+}

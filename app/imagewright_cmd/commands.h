@@ -1,0 +1,14 @@
+#ifndef COMMANDS_H
+#define COMMANDS_H
+
+#include "command.h"
+
+std::unique_ptr<COMMAND> make_cmd_generate();
+std::unique_ptr<COMMAND> make_cmd_check();
+std::unique_ptr<COMMAND> make_cmd_show();
+std::unique_ptr<COMMAND> make_cmd_pack();
+std::unique_ptr<COMMAND> make_cmd_sample();
+std::unique_ptr<COMMAND> make_cmd_inspect();
+std::unique_ptr<COMMAND> make_cmd_list();
+
+#endif
