@@ -1,0 +1,99 @@
+#include "pgm_common_xml_descriptor.h"
+
+#include <array>
+#include <cstdint>
+
+namespace
+{
+
+constexpr std::int8_t NO_ELEMENT = -1;
+
+std::array<std::int8_t, PGM_COMMON_XML_ENUM__MAX__ + 1> number_elements()
+{
+    std::array<std::int8_t, PGM_COMMON_XML_ENUM__MAX__ + 1> numbers{};
+    numbers.fill(NO_ELEMENT);
+    std::int8_t number = 0;
+    for (const PGM_COMMON_XML_ELEMENT_DESCRIPTOR& element : pgm_common_xml_vek_elements()) {
+        numbers[element.kind] = number++;
+    }
+    return numbers;
+}
+
+} // namespace
+
+const PGM_COMMON_XML_ELEMENT_DESCRIPTOR* pgm_common_xml_vek_find_element(PGM_COMMON_XML_ENUM kind)
+{
+    static const auto numbers = number_elements();
+    if (kind >= numbers.size() || numbers[kind] == NO_ELEMENT) {
+        return nullptr;
+    }
+    return &pgm_common_xml_vek_elements()[static_cast<std::size_t>(numbers[kind])];
+}
+
+const PGM_COMMON_XML_ELEMENT_DESCRIPTOR* pgm_common_xml_vek_find_element(std::string_view tag)
+{
+    for (const PGM_COMMON_XML_ELEMENT_DESCRIPTOR& element : pgm_common_xml_vek_elements()) {
+        if (tag == PGM_COMMON_XML_ENUM_STRING[element.kind]) {
+            return &element;
+        }
+    }
+    return nullptr;
+}
+
+const PGM_COMMON_XML_CHILD_DESCRIPTOR*
+pgm_common_xml_find_child(const PGM_COMMON_XML_ELEMENT_DESCRIPTOR& element, PGM_COMMON_XML_ENUM kind)
+{
+    const auto found = std::find_if(element.children.begin(), element.children.end(),
+                                    [kind](const auto& child) { return child.kind == kind; });
+    return found == element.children.end() ? nullptr : &*found;
+}
+
+const std::string& pgm_common_xml_read(const PGM_COMMON_XML_ELEMENT& element, int attribute)
+{
+    if (attribute == PGM_COMMON_XML_TEXT) {
+        return element.read_string();
+    }
+    return element.m_attribute_infos[PGM_COMMON_XML_RESERVED_ATTRIBUTES + static_cast<std::size_t>(attribute)]
+        .text();
+}
+
+void pgm_common_xml_write(PGM_COMMON_XML_ELEMENT& element, int attribute, std::string_view text)
+{
+    if (attribute == PGM_COMMON_XML_TEXT) {
+        element.write_string(text);
+        return;
+    }
+    element.m_attribute_infos[PGM_COMMON_XML_RESERVED_ATTRIBUTES + static_cast<std::size_t>(attribute)]
+        .set_text(text);
+}
+
+PGM_COMMON_XML_VEK_CMD_OPT_ENUM pgm_common_xml_find_vek_cmd_opt(std::string_view name)
+{
+    for (std::uint32_t option = VEK_CMD_OPT_INVALID + 1; option < VEK_CMD_OPT_MAX; ++option) {
+        if (name == PGM_COMMON_XML_VEK_CMD_OPT[option]) {
+            return static_cast<PGM_COMMON_XML_VEK_CMD_OPT_ENUM>(option);
+        }
+    }
+    return VEK_CMD_OPT_INVALID;
+}
+
+PGM_COMMON_XML_VEK_CMD_PARAM_ENUM
+pgm_common_xml_find_vek_cmd_param(PGM_COMMON_XML_VEK_CMD_OPT_ENUM option, std::string_view name)
+{
+    for (std::uint32_t number = VEK_CMD_PARAM_INVALID + 1; number < VEK_CMD_PARAM_MAX; ++number) {
+        const auto param = static_cast<PGM_COMMON_XML_VEK_CMD_PARAM_ENUM>(number);
+        if (name == PGM_COMMON_XML_VEK_CMD_PARAM[number] &&
+            pgm_common_xml_vek_param(param).option == option) {
+            return param;
+        }
+    }
+    return VEK_CMD_PARAM_INVALID;
+}
+
+PGM_COMMON_XML_VEK_CMD_OPT_ENUM pgm_common_xml_vek_cmd_opt_of(PGM_COMMON_XML_VEK_CMD_PARAM_ENUM param)
+{
+    if (param == VEK_CMD_PARAM_INVALID || param >= VEK_CMD_PARAM_MAX) {
+        return VEK_CMD_OPT_INVALID;
+    }
+    return pgm_common_xml_vek_param(param).option;
+}

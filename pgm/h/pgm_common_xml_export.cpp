@@ -1,0 +1,229 @@
+#include "pgm_common_xml_export.h"
+
+#include "msg_internal_error.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace
+{
+
+constexpr std::string_view RESERVED[] = {"__if_continue__", "__if_skip__", "__hidden__"};
+
+bool is_reserved(std::string_view name)
+{
+    return std::find(std::begin(RESERVED), std::end(RESERVED), name) != std::end(RESERVED);
+}
+
+const char* word(PGM_COMMON_XML_ENUM kind)
+{
+    return PGM_COMMON_XML_ENUM_STRING[std::min<std::size_t>(kind, PGM_COMMON_XML_ENUM__MAX__)];
+}
+
+std::string element_text(PGM_COMMON_XML_ENUM kind)
+{
+    return std::string("Element \"") + word(kind) + "\"";
+}
+
+} // namespace
+
+PGM_COMMON_XML_ATTRIBUTE_INFO::PGM_COMMON_XML_ATTRIBUTE_INFO(std::string_view name, std::uint8_t type,
+                                                             std::uint8_t exist,
+                                                             std::string_view default_value,
+                                                             std::string_view second_text, void* ptr)
+    : m_name(name), m_default_value(default_value), m_second_text(second_text), m_type(type), m_exist(exist),
+      m_ptr(ptr)
+{
+    VEK_ASSERT_TEXT(!name.empty(), "name.size()");
+    VEK_ASSERT(type < PGM_XML_TYPE_INVALID);
+    VEK_ASSERT(exist < PGM_XML_EXIST_INVALID);
+    if (is_reserved(name)) {
+        VEK_ASSERT_TEXT(ptr == nullptr, "ptr == NULL");
+    } else {
+        VEK_ASSERT_TEXT(ptr != nullptr, "ptr != NULL");
+    }
+}
+
+void PGM_COMMON_XML_ATTRIBUTE_INFO::set_text(std::string_view text)
+{
+    std::string& target = m_ptr ? *static_cast<std::string*>(m_ptr) : m_value;
+    if (m_type == PGM_XML_TYPE_SECRET) {
+        target.resize(target.capacity());
+        explicit_bzero(target.data(), target.size());
+    }
+    target.assign(text);
+}
+
+PGM_COMMON_XML_ELEMENT::PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM class_type,
+                                               PGM_COMMON_XML_ENUM sub_class_type, std::uint8_t type,
+                                               std::uint8_t exist, std::string_view default_value,
+                                               std::string_view second_text, void* ptr)
+    : m_class_type(class_type), m_sub_class_type(sub_class_type), m_default_value(default_value),
+      m_second_text(second_text), m_type(type), m_exist(exist), m_ptr(ptr)
+{
+    VEK_ASSERT(class_type != PGM_COMMON_XML_ENUM__INVALID__ && class_type <= PGM_COMMON_XML_ENUM__MAX__);
+    VEK_ASSERT(type < PGM_XML_TYPE_INVALID);
+    VEK_ASSERT(exist < PGM_XML_EXIST_INVALID);
+    m_attribute_infos.reserve(std::size(RESERVED));
+    for (const std::string_view name : RESERVED) {
+        m_attribute_infos.emplace_back(name, PGM_XML_TYPE_RESERVED, PGM_XML_EXIST_HIDDEN, std::string_view(),
+                                       std::string_view(), nullptr);
+    }
+}
+
+PGM_COMMON_XML_ELEMENT::~PGM_COMMON_XML_ELEMENT()
+{
+    for (PGM_COMMON_XML_ELEMENT* child : m_childs) {
+        delete child;
+    }
+}
+
+void PGM_COMMON_XML_ELEMENT::check_child_count() {}
+
+void PGM_COMMON_XML_ELEMENT::clear_childs()
+{
+    for (PGM_COMMON_XML_ELEMENT* child : m_childs) {
+        delete child;
+    }
+    m_childs.clear();
+}
+
+void PGM_COMMON_XML_ELEMENT::group_child(PGM_COMMON_XML_ELEMENT* child, bool remove, bool at_end)
+{
+    VEK_ASSERT(child != nullptr);
+    if (!remove) {
+        m_childs.insert(at_end ? m_childs.end() : m_childs.begin(), child);
+        child->m_parent = this;
+        return;
+    }
+    if (at_end) {
+        const auto found = std::find(m_childs.rbegin(), m_childs.rend(), child);
+        if (found == m_childs.rend()) {
+            return;
+        }
+        m_childs.erase(std::next(found).base());
+    } else {
+        const auto found = std::find(m_childs.begin(), m_childs.end(), child);
+        if (found == m_childs.end()) {
+            return;
+        }
+        m_childs.erase(found);
+    }
+    child->m_parent = nullptr;
+}
+
+void PGM_COMMON_XML_ELEMENT::collect(PGM_COMMON_XML_ENUM kind, bool own,
+                                     std::vector<PGM_COMMON_XML_ELEMENT*>& found) const
+{
+    for (PGM_COMMON_XML_ELEMENT* child : m_childs) {
+        if (kind == PGM_COMMON_XML_ENUM__INVALID__ || child->m_class_type == kind) {
+            found.push_back(child);
+        }
+        if (!own) {
+            child->collect(kind, own, found);
+        }
+    }
+}
+
+std::vector<PGM_COMMON_XML_ELEMENT*> PGM_COMMON_XML_ELEMENT::get_childs(PGM_COMMON_XML_ENUM kind,
+                                                                        bool own) const
+{
+    std::vector<PGM_COMMON_XML_ELEMENT*> found;
+    collect(kind, own, found);
+    return found;
+}
+
+unsigned PGM_COMMON_XML_ELEMENT::get_child_count(PGM_COMMON_XML_ENUM kind, bool own) const
+{
+    unsigned count = 0;
+    for (const PGM_COMMON_XML_ELEMENT* child : m_childs) {
+        count += kind == PGM_COMMON_XML_ENUM__INVALID__ || child->m_class_type == kind ? 1U : 0U;
+        count += own ? 0U : child->get_child_count(kind, own);
+    }
+    return count;
+}
+
+PGM_COMMON_XML_ELEMENT* PGM_COMMON_XML_ELEMENT::get_element(PGM_COMMON_XML_ENUM kind, unsigned index,
+                                                            bool own) const
+{
+    const std::vector<PGM_COMMON_XML_ELEMENT*> found = get_childs(kind, own);
+    return index < found.size() ? found[index] : nullptr;
+}
+
+PGM_COMMON_XML_ELEMENT* PGM_COMMON_XML_ELEMENT::get_parent(const PGM_COMMON_XML_ELEMENT* element) const
+{
+    return element ? element->m_parent : m_parent;
+}
+
+const PGM_COMMON_XML_ATTRIBUTE_INFO& PGM_COMMON_XML_ELEMENT::attribute(std::string_view name) const
+{
+    const auto found = std::find_if(m_attribute_infos.begin(), m_attribute_infos.end(),
+                                    [name](const auto& info) { return info.m_name == name; });
+    VEK_ASSERT_TEXT(found != m_attribute_infos.end(),
+                    element_text(m_sub_class_type) + " has no attribute \"" + std::string(name) + "\"");
+    return *found;
+}
+
+const std::string& PGM_COMMON_XML_ELEMENT::read_attribute_string(std::string_view name) const
+{
+    return attribute(name).text();
+}
+
+void PGM_COMMON_XML_ELEMENT::write_attribute_string(std::string_view name, std::string_view text)
+{
+    const auto index = &attribute(name) - m_attribute_infos.data();
+    m_attribute_infos[static_cast<std::size_t>(index)].set_text(text);
+}
+
+bool PGM_COMMON_XML_ELEMENT::is_attribute_empty(std::string_view name) const
+{
+    return attribute(name).text().empty();
+}
+
+const std::string& PGM_COMMON_XML_ELEMENT::read_string() const
+{
+    return m_ptr ? *static_cast<const std::string*>(m_ptr) : m_value;
+}
+
+void PGM_COMMON_XML_ELEMENT::write_string(std::string_view text)
+{
+    (m_ptr ? *static_cast<std::string*>(m_ptr) : m_value).assign(text);
+}
+
+void PGM_COMMON_XML_ELEMENT::init_check() const
+{
+    VEK_ASSERT_TEXT(
+        m_attribute_infos.size() >= std::size(RESERVED) &&
+            std::equal(std::begin(RESERVED), std::end(RESERVED), m_attribute_infos.begin(),
+                       [](std::string_view name, const auto& info) { return info.m_name == name; }),
+        element_text(m_sub_class_type) + " lacks the reserved attributes");
+    for (auto info = m_attribute_infos.begin(); info != m_attribute_infos.end(); ++info) {
+        const auto twin = std::find_if(m_attribute_infos.begin(), info,
+                                       [info](const auto& other) { return other.m_name == info->m_name; });
+        VEK_ASSERT_TEXT(twin == info,
+                        element_text(m_sub_class_type) + " has two attributes \"" + info->m_name + "\"");
+    }
+}
+
+void PGM_COMMON_XML_ELEMENT::check_count(PGM_COMMON_XML_ENUM kind,
+                                         const std::vector<std::vector<unsigned>>& allowed) const
+{
+    const unsigned count = get_child_count(kind, true);
+    const bool is_allowed = std::any_of(allowed.begin(), allowed.end(), [count](const auto& range) {
+        return !range.empty() && count >= range.front() && count <= range.back();
+    });
+    VEK_ASSERT_TEXT(is_allowed, element_text(m_sub_class_type) + " has " + std::to_string(count) +
+                                    " child elements \"" + word(kind) + "\"");
+}
+
+void PGM_COMMON_XML_ELEMENT::report_unsupported_child(const PGM_COMMON_XML_ELEMENT& child) const
+{
+    MSG_INTERNAL_ERROR::report(element_text(m_sub_class_type) + " does not support child element \"" +
+                                   word(child.m_sub_class_type) + "\"",
+                               "VEK", __FILE__, __LINE__);
+}
+
+void PGM_COMMON_XML_ELEMENT::require_entry(bool has_entry, const char* condition)
+{
+    VEK_ASSERT_TEXT(has_entry, condition);
+}
