@@ -1,0 +1,55 @@
+#ifndef FRAME_COMPRESSOR_H
+#define FRAME_COMPRESSOR_H
+
+#include "byte_source.h"
+#include "stream_reader.h"
+
+#include <future>
+#include <memory>
+#include <vector>
+
+/// One run of configuration data, as a frames packet carries it.
+struct FRAME_BLOCK {
+    std::uint64_t offset = 0; ///< in the source
+    std::vector<std::uint8_t> plain;
+    STREAM_METHOD method = STREAM_METHOD::PLAIN;
+    std::vector<std::uint8_t> compressed; ///< unless the method is PLAIN
+};
+
+/// Cuts a source into blocks of at most FRAMES_LIMIT bytes and compresses each by itself. A block that does
+/// not get smaller stays plain. The next block is read and compressed on another thread while the caller
+/// works with the one it has; memory is that of two blocks.
+class FRAME_COMPRESSOR
+{
+public:
+    FRAME_COMPRESSOR(const BYTE_SOURCE& source, STREAM_METHOD method);
+    ~FRAME_COMPRESSOR();
+    FRAME_COMPRESSOR(const FRAME_COMPRESSOR&) = delete;
+    FRAME_COMPRESSOR& operator=(const FRAME_COMPRESSOR&) = delete;
+
+    /// The next block in `block`, whose buffers are used again. False at the end of the source, and, with a
+    /// sentence in `message`, when it cannot be read.
+    bool next(FRAME_BLOCK& block, std::string& message);
+    /// Whether the last block has been given out.
+    bool at_end() const { return m_at_end; }
+
+private:
+    class CODER;
+    struct RESULT {
+        bool good = false;
+        FRAME_BLOCK block;
+        std::string message;
+    };
+    RESULT make_block(FRAME_BLOCK block) const;
+    void start(FRAME_BLOCK buffers);
+
+    const BYTE_SOURCE& m_source;
+    STREAM_METHOD m_method;
+    std::unique_ptr<CODER> m_coder;
+    std::uint64_t m_position = 0;
+    FRAME_BLOCK m_spare;
+    std::future<RESULT> m_ahead;
+    bool m_at_end = false;
+};
+
+#endif
