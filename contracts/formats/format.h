@@ -10,14 +10,16 @@
 /// A used range of an image: what the formats with sections (POF) and the map table need to know beyond the
 /// bytes.
 struct IMAGE_REGION {
-    std::string name;        ///< partition name
-    std::uint64_t start;     ///< offset in the image, bytes
-    std::uint64_t length;    ///< bytes used by content
-    std::uint64_t block_end; ///< last byte of the partition, included
+    std::string name;            ///< partition name
+    std::uint64_t start = 0;     ///< offset in the image, bytes
+    std::uint64_t length = 0;    ///< bytes used by content
+    std::uint64_t block_end = 0; ///< last byte of the partition, included
     bool has_page = false;
     unsigned page = 0;
     std::string input;     ///< file names of the inputs, without directories; empty for generated content
     std::uint32_t crc = 0; ///< CRC-32 of the content
+
+    bool operator==(const IMAGE_REGION&) const = default;
 };
 
 /// What a file is made of and how it is to be written. Every format takes what concerns it.
@@ -25,25 +27,56 @@ struct FORMAT_REQUEST {
     const BYTE_SOURCE* image = nullptr; ///< the configuration stream or the flash image
     std::vector<IMAGE_REGION> regions;  ///< flash images only, ascending by start
     std::string device;                 ///< name of the FPGA or flash device
-    std::uint32_t start_address = 0;    ///< HEX: address of the first byte
+    std::uint32_t start_address = 0;    ///< HEX: address of the first byte; RPD: image offset it begins at
     bool count_down = false;            ///< HEX: addresses count down from the start address
     bool bitswap = false;               ///< RPD: reverse the bits of each byte
-    bool use_relative = false;          ///< RPD: from the first used byte to the last, not the whole device
+    bool use_relative = false;          ///< RPD: from the first used byte to the last, start_address unread
 };
 
-/// One programming file format: writes an image, and reads a written file back for the integrity check.
+/// A range of addresses with content, as inspection finds it.
+struct ADDRESS_RANGE {
+    std::uint64_t start = 0;
+    std::uint64_t length = 0;
+
+    bool operator==(const ADDRESS_RANGE&) const = default;
+};
+
+/// What inspection finds in a file.
+struct FORMAT_FACTS {
+    struct FACT {
+        std::string name; ///< lower-case words, as in "image size"
+        std::string value;
+    };
+    std::vector<FACT> facts;           ///< in the order in which a person wants to read them
+    std::vector<ADDRESS_RANGE> ranges; ///< where content lies, ascending; adjacent ranges are joined
+    std::vector<IMAGE_REGION> regions; ///< the partitions that the file names
+};
+
+/// One programming file format: writes an image, and reads a written file back. Formats have no state; an
+/// object may be used by several threads at once. Messages of verify(), decode() and inspect() do not name
+/// the file: the caller, who knows its path, puts it in front.
 class FORMAT
 {
 public:
     virtual ~FORMAT() = default;
 
-    /// Writes the whole file to `sink`. False with a whole sentence in `message`.
+    /// Writes the whole file to `sink`. False with a whole sentence in `message`; what has reached the sink
+    /// by then is no valid file.
     virtual bool write(const FORMAT_REQUEST& request, BYTE_SINK& sink, std::string& message) const = 0;
 
     /// Reads `file` (bytes that write() has produced for `request`) and compares what it decodes with the
-    /// source: structure, checksums, content. False with the reason and the place in `message`.
+    /// source: structure, checksums, content. Only the spelling that write() uses passes, so that no changed
+    /// byte goes unseen. False with the reason and the place in `message`.
     virtual bool verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file,
                         std::string& message) const = 0;
+
+    /// Writes the image that `file` holds to `sink`: for a sparse file from its first address to its last,
+    /// with 0xFF where it has no content (POF: the whole device). False with the reason and the place in
+    /// `message` when the file is damaged, when the format carries no image, or when the sink fails.
+    virtual bool decode(const BYTE_SOURCE& file, BYTE_SINK& sink, std::string& message) const = 0;
+
+    /// Collects what there is to tell about `file`. Fails as decode() does.
+    virtual bool inspect(const BYTE_SOURCE& file, FORMAT_FACTS& facts, std::string& message) const = 0;
 };
 
 #endif

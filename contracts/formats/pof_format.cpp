@@ -1,0 +1,280 @@
+#include "pof_format.h"
+
+#include "format_text.h"
+#include "image_compare.h"
+#include "pof_layout.h"
+#include "pof_reader.h"
+
+#include <algorithm>
+
+namespace
+{
+void put_number(std::vector<std::uint8_t>& bytes, std::uint64_t value, std::size_t size)
+{
+    for (; size != 0; --size, value >>= 8)
+        bytes.push_back(static_cast<std::uint8_t>(value));
+}
+
+bool put_text(std::vector<std::uint8_t>& bytes, const std::string& text, std::string& message)
+{
+    if (text.size() > pof::MOST_TEXT) {
+        message = "The name \"" + text.substr(0, 40) + "...\" has " + bytes_text(text.size()) +
+                  "; a POF holds " + std::to_string(pof::MOST_TEXT) + " at most, choose a shorter one.";
+        return false;
+    }
+    put_number(bytes, text.size(), 2);
+    bytes.insert(bytes.end(), text.begin(), text.end());
+    return true;
+}
+
+/// Frames chunks and sends them on in large pieces.
+class CHUNK_WRITER
+{
+public:
+    explicit CHUNK_WRITER(BYTE_SINK& sink) : m_sink(sink) {}
+
+    bool raw(std::span<const std::uint8_t> bytes, std::string& message)
+    {
+        m_pending.insert(m_pending.end(), bytes.begin(), bytes.end());
+        return m_pending.size() < IO_BLOCK_SIZE || flush(message);
+    }
+
+    /// A chunk whose payload is `head` and then `body`.
+    bool chunk(const pof::TAG& tag, std::span<const std::uint8_t> head, std::span<const std::uint8_t> body,
+               std::string& message)
+    {
+        const std::size_t begin = m_pending.size();
+        m_pending.insert(m_pending.end(), tag.begin(), tag.end());
+        put_number(m_pending, head.size() + body.size(), 4);
+        m_pending.insert(m_pending.end(), head.begin(), head.end());
+        m_pending.insert(m_pending.end(), body.begin(), body.end());
+        put_number(m_pending, crc32({m_pending.data() + begin, m_pending.size() - begin}), 4);
+        return m_pending.size() < IO_BLOCK_SIZE || flush(message);
+    }
+
+    bool flush(std::string& message)
+    {
+        const bool written = m_pending.empty() || m_sink.write(m_pending, message);
+        m_pending.clear();
+        return written;
+    }
+
+private:
+    BYTE_SINK& m_sink;
+    std::vector<std::uint8_t> m_pending;
+};
+
+bool write_head(const FORMAT_REQUEST& request, CHUNK_WRITER& writer, std::string& message)
+{
+    std::vector<std::uint8_t> payload;
+    put_number(payload, pof::MAJOR_VERSION, 2);
+    put_number(payload, pof::MINOR_VERSION, 2);
+    put_number(payload, request.image->size(), 8);
+    return put_text(payload, request.device, message) && writer.raw(pof::SIGNATURE, message) &&
+           writer.chunk(pof::HEAD, payload, {}, message);
+}
+
+bool write_region(const IMAGE_REGION& region, CHUNK_WRITER& writer, std::string& message)
+{
+    std::vector<std::uint8_t> payload;
+    put_number(payload, region.start, 8);
+    put_number(payload, region.length, 8);
+    put_number(payload, region.block_end, 8);
+    put_number(payload, region.crc, 4);
+    put_number(payload, region.has_page, 1);
+    put_number(payload, region.page, 4);
+    return put_text(payload, region.name, message) && put_text(payload, region.input, message) &&
+           writer.chunk(pof::PART, payload, {}, message);
+}
+
+/// Writes what is not fill in one block of the image.
+bool write_block(std::uint64_t address, std::span<const std::uint8_t> block, CHUNK_WRITER& writer,
+                 std::uint64_t& data_size, std::string& message)
+{
+    std::size_t begin = find_end_of_run(block, 0, true);
+    while (begin != block.size()) {
+        std::size_t end = begin;
+        std::size_t next = begin;
+        do {
+            end = find_end_of_run(block, next, false);
+            next = find_end_of_run(block, end, true);
+        } while (next != block.size() && next - end < pof::SHORTEST_GAP);
+        std::vector<std::uint8_t> payload;
+        put_number(payload, address + begin, 8);
+        if (!writer.chunk(pof::DATA, payload, block.subspan(begin, end - begin), message))
+            return false;
+        data_size += end - begin;
+        begin = next;
+    }
+    return true;
+}
+
+class VERIFYING final : public POF_VISITOR
+{
+public:
+    explicit VERIFYING(const FORMAT_REQUEST& request) : m_request(request), m_compare(*request.image) {}
+
+    bool head(const std::string& device, std::uint64_t image_size, std::string& message) override
+    {
+        if (device == m_request.device && image_size == m_request.image->size())
+            return true;
+        message = "The file is for " + device + " with " + bytes_text(image_size) + " instead of " +
+                  m_request.device + " with " + bytes_text(m_request.image->size()) + ".";
+        return false;
+    }
+    bool region(const IMAGE_REGION& region, std::string& message) override
+    {
+        if (m_regions < m_request.regions.size() && region == m_request.regions[m_regions]) {
+            ++m_regions;
+            return true;
+        }
+        message = "The partition " + region.name + " is not as the layout has it.";
+        return false;
+    }
+    bool fill(std::uint64_t address, std::uint64_t length, std::string& message) override
+    {
+        return m_compare.is_fill(address, length, message);
+    }
+    bool data(std::uint64_t address, std::span<const std::uint8_t> bytes, std::string& message) override
+    {
+        return m_compare.equal(address, bytes, message);
+    }
+    bool done(std::uint32_t, std::string& message) override
+    {
+        if (m_regions == m_request.regions.size())
+            return true;
+        message = "The partition " + m_request.regions[m_regions].name + " is missing in the file.";
+        return false;
+    }
+
+private:
+    const FORMAT_REQUEST& m_request;
+    IMAGE_COMPARE m_compare;
+    std::size_t m_regions = 0;
+};
+
+class DECODING final : public POF_VISITOR
+{
+public:
+    explicit DECODING(BYTE_SINK& sink) : m_sink(sink), m_fill(64 * 1024, 0xFF) {}
+
+    bool head(const std::string&, std::uint64_t, std::string&) override { return true; }
+    bool region(const IMAGE_REGION&, std::string&) override { return true; }
+    bool fill(std::uint64_t, std::uint64_t length, std::string& message) override
+    {
+        while (length != 0) {
+            const std::size_t count =
+                static_cast<std::size_t>(std::min<std::uint64_t>(length, m_fill.size()));
+            if (!m_sink.write({m_fill.data(), count}, message))
+                return false;
+            length -= count;
+        }
+        return true;
+    }
+    bool data(std::uint64_t, std::span<const std::uint8_t> bytes, std::string& message) override
+    {
+        return m_sink.write(bytes, message);
+    }
+    bool done(std::uint32_t, std::string&) override { return true; }
+
+private:
+    BYTE_SINK& m_sink;
+    std::vector<std::uint8_t> m_fill;
+};
+
+class INSPECTING final : public POF_VISITOR
+{
+public:
+    explicit INSPECTING(FORMAT_FACTS& facts) : m_facts(facts) {}
+
+    bool head(const std::string& device, std::uint64_t image_size, std::string&) override
+    {
+        m_facts.facts.push_back({"format", "flash image for a device programmer"});
+        m_facts.facts.push_back({"device", device});
+        m_facts.facts.push_back({"image size", bytes_text(image_size)});
+        return true;
+    }
+    bool region(const IMAGE_REGION& region, std::string&) override
+    {
+        m_facts.regions.push_back(region);
+        return true;
+    }
+    bool fill(std::uint64_t, std::uint64_t, std::string&) override { return true; }
+    bool data(std::uint64_t address, std::span<const std::uint8_t> bytes, std::string&) override
+    {
+        m_size += bytes.size();
+        std::vector<ADDRESS_RANGE>& ranges = m_facts.ranges;
+        if (!ranges.empty() && ranges.back().start + ranges.back().length == address)
+            ranges.back().length += bytes.size();
+        else
+            ranges.push_back({address, bytes.size()});
+        return true;
+    }
+    bool done(std::uint32_t image_crc, std::string&) override
+    {
+        m_facts.facts.push_back({"data", bytes_text(m_size)});
+        m_facts.facts.push_back({"image CRC-32", hex_text(image_crc)});
+        return true;
+    }
+
+private:
+    FORMAT_FACTS& m_facts;
+    std::uint64_t m_size = 0;
+};
+} // namespace
+
+bool POF_FORMAT::write(const FORMAT_REQUEST& request, BYTE_SINK& sink, std::string& message) const
+{
+    CHUNK_WRITER writer(sink);
+    if (!write_head(request, writer, message))
+        return false;
+    for (const IMAGE_REGION& region : request.regions)
+        if (!write_region(region, writer, message))
+            return false;
+
+    const std::uint64_t size = request.image->size();
+    std::vector<std::uint8_t> block(static_cast<std::size_t>(std::min<std::uint64_t>(size, pof::MOST_DATA)));
+    std::uint64_t data_size = 0;
+    std::uint32_t crc = 0;
+    for (std::uint64_t address = 0; address != size;) {
+        const std::size_t count =
+            static_cast<std::size_t>(std::min<std::uint64_t>(size - address, block.size()));
+        const std::span<std::uint8_t> part(block.data(), count);
+        if (!request.image->read(address, part, message))
+            return false;
+        crc = crc32(part, crc);
+        if (!write_block(address, part, writer, data_size, message))
+            return false;
+        address += count;
+    }
+
+    std::vector<std::uint8_t> payload;
+    put_number(payload, data_size, 8);
+    put_number(payload, crc, 4);
+    return writer.chunk(pof::DONE, payload, {}, message) && writer.flush(message);
+}
+
+bool POF_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, std::string& message) const
+{
+    VERIFYING visitor(request);
+    return POF_READER(file).read(visitor, message);
+}
+
+bool POF_FORMAT::decode(const BYTE_SOURCE& file, BYTE_SINK& sink, std::string& message) const
+{
+    DECODING visitor(sink);
+    return POF_READER(file).read(visitor, message);
+}
+
+bool POF_FORMAT::inspect(const BYTE_SOURCE& file, FORMAT_FACTS& facts, std::string& message) const
+{
+    INSPECTING visitor(facts);
+    return POF_READER(file).read(visitor, message);
+}
+
+bool POF_FORMAT::recognise(const BYTE_SOURCE& file)
+{
+    std::array<std::uint8_t, pof::SIGNATURE.size()> begin;
+    std::string message;
+    return file.size() >= begin.size() && file.read(0, begin, message) && begin == pof::SIGNATURE;
+}

@@ -1,0 +1,40 @@
+#ifndef POF_LAYOUT_H
+#define POF_LAYOUT_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+/// The numbers that the writer and the reader of a POF agree on. Numbers in the file are little endian.
+///
+/// The file is the signature and then chunks: tag of four letters, length of the payload (4 bytes), payload,
+/// CRC-32 of tag, length and payload (4 bytes).
+namespace pof
+{
+/// The bytes above 127 and the line ends show a transfer that was no binary one.
+inline constexpr std::array<std::uint8_t, 8> SIGNATURE = {0x89, 'P', 'O', 'F', '\r', '\n', 0x1A, '\n'};
+
+inline constexpr std::uint16_t MAJOR_VERSION = 1; ///< a reader refuses files with a higher one
+inline constexpr std::uint16_t MINOR_VERSION = 0;
+
+using TAG = std::array<char, 4>;
+/// First chunk: major version (2), minor version (2), size of the device (8), length of its name (2), name.
+inline constexpr TAG HEAD = {'H', 'E', 'A', 'D'};
+/// A partition: start (8), bytes used (8), last byte (8), CRC-32 of the content (4), whether it has a page
+/// (1), page (4), length of the name (2), name, length of the input file names (2), input file names.
+inline constexpr TAG PART = {'P', 'A', 'R', 'T'};
+/// Bytes of the image: address (8), bytes. Ascending by address, never overlapping.
+inline constexpr TAG DATA = {'D', 'A', 'T', 'A'};
+/// Last chunk: number of bytes in all DATA chunks (8), CRC-32 of the whole image with its fill (4).
+inline constexpr TAG DONE = {'D', 'O', 'N', 'E'};
+
+inline constexpr std::size_t CHUNK_HEADER = 8;
+inline constexpr std::size_t CHUNK_TRAILER = 4;
+inline constexpr std::size_t MOST_DATA = 1024 * 1024; ///< bytes of the image in one DATA chunk
+inline constexpr std::size_t MOST_PAYLOAD = MOST_DATA + 8;
+inline constexpr std::size_t MOST_TEXT = 0xFFFF;
+/// Runs of fill shorter than this stay in the chunk: a new one would cost about as much.
+inline constexpr std::size_t SHORTEST_GAP = 4096;
+} // namespace pof
+
+#endif

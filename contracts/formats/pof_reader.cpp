@@ -1,0 +1,242 @@
+#include "pof_reader.h"
+
+#include "format_text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace
+{
+/// Takes numbers and texts from a payload, and remembers when it was too short for one.
+class FIELDS
+{
+public:
+    explicit FIELDS(std::span<const std::uint8_t> bytes) : m_rest(bytes) {}
+
+    std::uint64_t number(std::size_t size)
+    {
+        std::uint64_t value = 0;
+        const std::span<const std::uint8_t> bytes = take(size);
+        for (std::size_t i = bytes.size(); i-- != 0;)
+            value = value << 8 | bytes[i];
+        return value;
+    }
+
+    std::string text()
+    {
+        const std::span<const std::uint8_t> bytes = take(static_cast<std::size_t>(number(2)));
+        return {bytes.begin(), bytes.end()};
+    }
+
+    std::span<const std::uint8_t> rest() const { return m_rest; }
+    bool complete() const { return !m_short; }
+    bool complete_and_empty() const { return !m_short && m_rest.empty(); }
+
+private:
+    std::span<const std::uint8_t> take(std::size_t size)
+    {
+        m_short = m_short || size > m_rest.size();
+        if (m_short)
+            return {};
+        const std::span<const std::uint8_t> taken = m_rest.first(size);
+        m_rest = m_rest.subspan(size);
+        return taken;
+    }
+
+    std::span<const std::uint8_t> m_rest;
+    bool m_short = false;
+};
+} // namespace
+
+POF_READER::POF_READER(const BYTE_SOURCE& file)
+    : m_file(file), m_reader(file, 0, pof::CHUNK_HEADER + pof::MOST_PAYLOAD + pof::CHUNK_TRAILER)
+{
+}
+
+bool POF_READER::refuse(const std::string& reason, std::string& message) const
+{
+    message = "The chunk at offset " + hex_text(m_chunk_offset) + " " + reason;
+    return false;
+}
+
+bool POF_READER::signature(std::string& message)
+{
+    if (!m_reader.need(pof::SIGNATURE.size(), message))
+        return false;
+    if (m_reader.available() < pof::SIGNATURE.size() ||
+        !std::equal(pof::SIGNATURE.begin(), pof::SIGNATURE.end(), m_reader.data())) {
+        message = "The file does not begin with the signature of a POF.";
+        return false;
+    }
+    m_to_skip = pof::SIGNATURE.size();
+    return true;
+}
+
+bool POF_READER::next(CHUNK& chunk, std::string& message)
+{
+    m_reader.skip(m_to_skip);
+    m_to_skip = 0;
+    m_chunk_offset = m_reader.offset();
+    if (!m_reader.need(pof::CHUNK_HEADER, message))
+        return false;
+    if (m_reader.available() < pof::CHUNK_HEADER) {
+        message = "The file ends at offset " + hex_text(m_file.size()) +
+                  " without its last chunk; it is not complete.";
+        return false;
+    }
+    std::memcpy(chunk.tag.data(), m_reader.data(), chunk.tag.size());
+    const std::size_t length =
+        static_cast<std::size_t>(FIELDS({m_reader.data() + chunk.tag.size(), 4}).number(4));
+    if (length > pof::MOST_PAYLOAD)
+        return refuse("claims " + bytes_text(length) + ", more than any chunk has; the file is damaged.",
+                      message);
+    const std::size_t whole = pof::CHUNK_HEADER + length + pof::CHUNK_TRAILER;
+    if (!m_reader.need(whole, message))
+        return false;
+    if (m_reader.available() < whole)
+        return refuse("goes beyond the end of the file; the file is not complete.", message);
+    const std::uint8_t* const bytes = m_reader.data();
+    const std::uint32_t wanted = crc32({bytes, pof::CHUNK_HEADER + length});
+    const std::uint64_t stored = FIELDS({bytes + pof::CHUNK_HEADER + length, pof::CHUNK_TRAILER}).number(4);
+    if (stored != wanted)
+        return refuse("has the checksum " + hex_text(stored) + " instead of " + hex_text(wanted) +
+                          "; the file is damaged.",
+                      message);
+    chunk.payload = {bytes + pof::CHUNK_HEADER, length};
+    m_to_skip = whole;
+    return true;
+}
+
+bool POF_READER::read(POF_VISITOR& visitor, std::string& message)
+{
+    CHUNK chunk;
+    if (!signature(message) || !next(chunk, message))
+        return false;
+    if (chunk.tag != pof::HEAD)
+        return refuse("is not the head of a POF, which comes first.", message);
+    if (!head(chunk, visitor, message))
+        return false;
+    for (;;) {
+        if (!next(chunk, message))
+            return false;
+        if (chunk.tag == pof::DONE)
+            return done(chunk, visitor, message);
+        if (chunk.tag == pof::PART) {
+            if (!part(chunk, visitor, message))
+                return false;
+        } else if (chunk.tag == pof::DATA) {
+            if (!data(chunk, visitor, message))
+                return false;
+        } else if (chunk.tag == pof::HEAD) {
+            return refuse("is a second head.", message);
+        } else if (chunk.tag[0] < 'a' || chunk.tag[0] > 'z') {
+            // Chunks that may be passed over begin with a small letter.
+            return refuse("is of a kind that this version does not know.", message);
+        }
+    }
+}
+
+bool POF_READER::head(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message)
+{
+    FIELDS fields(chunk.payload);
+    const std::uint64_t major = fields.number(2);
+    fields.number(2);
+    if (fields.complete() && major != pof::MAJOR_VERSION) {
+        message = "The file has version " + std::to_string(major) +
+                  " of the format, which this program cannot "
+                  "read; it reads version " +
+                  std::to_string(pof::MAJOR_VERSION) + ".";
+        return false;
+    }
+    m_image_size = fields.number(8);
+    const std::string device = fields.text();
+    if (!fields.complete_and_empty())
+        return refuse("has a wrong length for a head.", message);
+    return visitor.head(device, m_image_size, message);
+}
+
+bool POF_READER::part(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message)
+{
+    FIELDS fields(chunk.payload);
+    IMAGE_REGION region;
+    region.start = fields.number(8);
+    region.length = fields.number(8);
+    region.block_end = fields.number(8);
+    region.crc = static_cast<std::uint32_t>(fields.number(4));
+    const std::uint64_t has_page = fields.number(1);
+    region.has_page = has_page == 1;
+    region.page = static_cast<unsigned>(fields.number(4));
+    region.name = fields.text();
+    region.input = fields.text();
+    if (!fields.complete_and_empty() || has_page > 1)
+        return refuse("has a wrong length or value for a partition.", message);
+    if (region.start > region.block_end || region.block_end >= m_image_size ||
+        region.length > region.block_end - region.start + 1)
+        return refuse("places partition " + region.name + " (" + hex_text(region.start) + " to " +
+                          hex_text(region.block_end) + ") where it does not fit.",
+                      message);
+    return visitor.region(region, message);
+}
+
+bool POF_READER::fill_to(std::uint64_t address, POF_VISITOR& visitor, std::string& message)
+{
+    if (address == m_address)
+        return true;
+    static const std::vector<std::uint8_t> fill(64 * 1024, 0xFF);
+    for (std::uint64_t left = address - m_address; left != 0;) {
+        const std::size_t count = static_cast<std::size_t>(std::min<std::uint64_t>(left, fill.size()));
+        m_crc = crc32({fill.data(), count}, m_crc);
+        left -= count;
+    }
+    const std::uint64_t begin = m_address;
+    m_address = address;
+    return visitor.fill(begin, address - begin, message);
+}
+
+bool POF_READER::data(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message)
+{
+    FIELDS fields(chunk.payload);
+    const std::uint64_t address = fields.number(8);
+    const std::span<const std::uint8_t> bytes = fields.rest();
+    if (!fields.complete() || bytes.empty())
+        return refuse("is data without bytes.", message);
+    if (address < m_address)
+        return refuse("has data for " + hex_text(address) + ", which other chunks hold or lie behind.",
+                      message);
+    if (address > m_image_size || bytes.size() > m_image_size - address)
+        return refuse("has data for " + hex_text(address) + ", which is not within the device.", message);
+    if (!fill_to(address, visitor, message))
+        return false;
+    m_crc = crc32(bytes, m_crc);
+    m_address += bytes.size();
+    m_data_size += bytes.size();
+    return visitor.data(address, bytes, message);
+}
+
+bool POF_READER::done(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message)
+{
+    FIELDS fields(chunk.payload);
+    const std::uint64_t data_size = fields.number(8);
+    const std::uint64_t image_crc = fields.number(4);
+    if (!fields.complete_and_empty())
+        return refuse("has a wrong length for the last one.", message);
+    if (data_size != m_data_size) {
+        message = "The file holds " + bytes_text(m_data_size) + " of data instead of " +
+                  bytes_text(data_size) + "; chunks are missing.";
+        return false;
+    }
+    if (!fill_to(m_image_size, visitor, message))
+        return false;
+    if (image_crc != m_crc) {
+        message = "The image has the checksum " + hex_text(m_crc) + " instead of " + hex_text(image_crc) +
+                  "; the file is damaged.";
+        return false;
+    }
+    m_reader.skip(m_to_skip);
+    m_to_skip = 0;
+    if (!m_reader.at_end()) {
+        message = "There is something behind the last chunk at offset " + hex_text(m_reader.offset()) + ".";
+        return false;
+    }
+    return visitor.done(m_crc, message);
+}

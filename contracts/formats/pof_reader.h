@@ -1,0 +1,59 @@
+#ifndef POF_READER_H
+#define POF_READER_H
+
+#include "block_reader.h"
+#include "format.h"
+#include "pof_layout.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+/// What a POF_READER hands over, in the order of the file.
+class POF_VISITOR
+{
+public:
+    virtual ~POF_VISITOR() = default;
+    virtual bool head(const std::string& device, std::uint64_t image_size, std::string& message) = 0;
+    virtual bool region(const IMAGE_REGION& region, std::string& message) = 0;
+    /// `length` bytes of fill from `address` on.
+    virtual bool fill(std::uint64_t address, std::uint64_t length, std::string& message) = 0;
+    virtual bool data(std::uint64_t address, std::span<const std::uint8_t> bytes, std::string& message) = 0;
+    virtual bool done(std::uint32_t image_crc, std::string& message) = 0;
+};
+
+/// Reads a POF from front to back and holds it to all of its rules: signature, version, lengths, checksums,
+/// order, addresses, end. Whoever visits sees each byte of the image once, as data or as fill.
+class POF_READER
+{
+public:
+    explicit POF_READER(const BYTE_SOURCE& file);
+
+    bool read(POF_VISITOR& visitor, std::string& message);
+
+private:
+    struct CHUNK {
+        pof::TAG tag;
+        std::span<const std::uint8_t> payload; ///< valid until the next chunk is read
+    };
+
+    bool signature(std::string& message);
+    bool next(CHUNK& chunk, std::string& message);
+    bool head(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message);
+    bool part(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message);
+    bool data(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message);
+    bool done(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message);
+    bool fill_to(std::uint64_t address, POF_VISITOR& visitor, std::string& message);
+    bool refuse(const std::string& reason, std::string& message) const;
+
+    const BYTE_SOURCE& m_file;
+    BLOCK_READER m_reader;
+    std::size_t m_to_skip = 0;        ///< the chunk that next() gave last
+    std::uint64_t m_chunk_offset = 0; ///< where it starts
+    std::uint64_t m_image_size = 0;
+    std::uint64_t m_address = 0; ///< behind the last byte handed over
+    std::uint64_t m_data_size = 0;
+    std::uint32_t m_crc = 0;
+};
+
+#endif

@@ -1,0 +1,262 @@
+#include "ttf_format.h"
+
+#include "block_reader.h"
+#include "format_text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace
+{
+constexpr std::size_t BLOCK = 64 * 1024;
+constexpr unsigned PER_LINE = TTF_FORMAT::NUMBERS_PER_LINE;
+constexpr std::size_t LONGEST_LINE = PER_LINE * 4 + 1;
+static_assert(BLOCK % PER_LINE == 0);
+
+struct ENTRY {
+    char text[4]; ///< the number and a comma
+};
+
+constexpr unsigned digit_count(unsigned value)
+{
+    return 1 + (value >= 10) + (value >= 100);
+}
+
+constexpr auto NUMBERS = [] {
+    std::array<ENTRY, 256> entries{};
+    for (unsigned value = 0; value != entries.size(); ++value) {
+        unsigned rest = value;
+        for (unsigned i = digit_count(value); i-- != 0; rest /= 10)
+            entries[value].text[i] = static_cast<char>('0' + rest % 10);
+        entries[value].text[digit_count(value)] = ',';
+    }
+    return entries;
+}();
+
+constexpr auto LENGTHS = [] {
+    std::array<std::uint8_t, 256> lengths{};
+    for (unsigned value = 0; value != lengths.size(); ++value)
+        lengths[value] = static_cast<std::uint8_t>(digit_count(value) + 1);
+    return lengths;
+}();
+
+/// Puts each number in one step of four characters, of which the next one overwrites what is too much.
+char* put_numbers(const std::uint8_t* bytes, std::size_t count, char* text)
+{
+    for (std::size_t i = 0; i != count; ++i) {
+        std::memcpy(text, NUMBERS[bytes[i]].text, 4);
+        text += LENGTHS[bytes[i]];
+    }
+    return text;
+}
+
+/// Reads one number of known length at `text` by its digits; above 255 when it is none or is spelled longer
+/// than needed. Three characters at `text` must be readable.
+unsigned number_of_length(const std::uint8_t* text, unsigned digits)
+{
+    std::uint32_t word = static_cast<std::uint32_t>(text[0]) | static_cast<std::uint32_t>(text[1]) << 8 |
+                         static_cast<std::uint32_t>(text[2]) << 16;
+    // The digits move to the top of the word, the last one into the highest byte; what is below reads as 0.
+    word = (word ^ 0x30303030u) << 8 * (4 - digits);
+    const unsigned ones = word >> 24;
+    const unsigned tens = word >> 16 & 0xFF;
+    const unsigned hundreds = word >> 8 & 0xFF;
+    const bool valid = ones < 10 && tens < 10 && hundreds < 10;
+    return valid ? hundreds * 100 + tens * 10 + ones : 0x100;
+}
+
+bool wrong_number(std::uint64_t index, std::uint8_t wanted, std::string& message)
+{
+    message = "Line " + std::to_string(index / PER_LINE + 1) + ", number " +
+              std::to_string(index % PER_LINE + 1) + " is not \"" + std::to_string(wanted) +
+              "\" as in the stream; the file was not written correctly, generate it again.";
+    return false;
+}
+} // namespace
+
+bool TTF_FORMAT::write(const FORMAT_REQUEST& request, BYTE_SINK& sink, std::string& message) const
+{
+    const std::uint64_t size = request.image->size();
+    std::vector<std::uint8_t> block(static_cast<std::size_t>(std::min<std::uint64_t>(size, BLOCK)));
+    std::vector<char> text((block.size() / PER_LINE + 2) * LONGEST_LINE);
+    for (std::uint64_t done = 0; done != size;) {
+        const std::size_t count =
+            static_cast<std::size_t>(std::min<std::uint64_t>(size - done, block.size()));
+        if (!request.image->read(done, {block.data(), count}, message))
+            return false;
+        done += count;
+        char* end = text.data();
+        std::size_t i = 0;
+        for (; count - i >= PER_LINE; i += PER_LINE) {
+            end = put_numbers(block.data() + i, PER_LINE, end);
+            *end++ = '\n';
+        }
+        end = put_numbers(block.data() + i, count - i, end);
+        if (done == size) {
+            end -= end[-1] == '\n' ? 2 : 1; // the last comma
+            *end++ = '\n';
+        }
+        if (!sink.write({reinterpret_cast<const std::uint8_t*>(text.data()),
+                         static_cast<std::size_t>(end - text.data())},
+                        message))
+            return false;
+    }
+    return true;
+}
+
+bool TTF_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, std::string& message) const
+{
+    // Where a number ends follows from the byte that it must stand for; its digits are then read and added
+    // up, which says nothing that the writer's table could have made so.
+    const std::uint64_t size = request.image->size();
+    std::vector<std::uint8_t> block(static_cast<std::size_t>(std::min<std::uint64_t>(size, BLOCK)));
+    BLOCK_READER reader(file, 0, 2 * CACHED_BLOCK_SIZE);
+    std::uint64_t index = 0;
+    while (index != size) {
+        const std::size_t count =
+            static_cast<std::size_t>(std::min<std::uint64_t>(size - index, block.size()));
+        if (!request.image->read(index, {block.data(), count}, message))
+            return false;
+        for (std::size_t i = 0; i < count; i += PER_LINE) {
+            if (!reader.need(LONGEST_LINE + 4, message))
+                return false;
+            const std::size_t in_line = std::min<std::size_t>(PER_LINE, count - i);
+            std::array<std::uint8_t, LONGEST_LINE + 4> copy{};
+            const std::uint8_t* text = reader.data();
+            if (reader.available() < copy.size()) {
+                std::copy_n(text, reader.available(), copy.begin());
+                text = copy.data();
+            }
+            const std::uint8_t* at = text;
+            bool same = true;
+            for (std::size_t k = 0; k != in_line; ++k) {
+                const std::uint8_t byte = block[i + k];
+                const unsigned digits = 1u + (byte >= 10) + (byte >= 100);
+                const bool last = index + i + k + 1 == size;
+                same = same & (number_of_length(at, digits) == byte) & (at[digits] == (last ? '\n' : ','));
+                at += digits + 1;
+            }
+            if (in_line == PER_LINE && index + i + PER_LINE != size)
+                same = same & (*at++ == '\n');
+            if (!same) {
+                at = text;
+                for (std::size_t k = 0; k != in_line; ++k) {
+                    const std::uint8_t byte = block[i + k];
+                    const std::string wanted = std::to_string(byte);
+                    const std::uint8_t behind = index + i + k + 1 == size ? '\n' : ',';
+                    if (!std::equal(wanted.begin(), wanted.end(), at) || at[wanted.size()] != behind)
+                        return wrong_number(index + i + k, byte, message);
+                    at += wanted.size() + 1;
+                }
+                message = "Line " + std::to_string((index + i) / PER_LINE + 1) +
+                          " does not end behind its sixteenth number; generate the file again.";
+                return false;
+            }
+            reader.skip(static_cast<std::size_t>(at - text));
+        }
+        index += count;
+    }
+    if (!reader.at_end()) {
+        message = "There is something behind the last number of the stream; the file was not written "
+                  "correctly, generate it again.";
+        return false;
+    }
+    return true;
+}
+
+bool TTF_FORMAT::decode(const BYTE_SOURCE& file, BYTE_SINK& sink, std::string& message) const
+{
+    BLOCK_READER reader(file);
+    std::vector<std::uint8_t> decoded;
+    decoded.reserve(BLOCK);
+    std::uint64_t line = 1;
+    const auto refuse = [&](const std::string& reason) {
+        message = "Line " + std::to_string(line) + ": " + reason;
+        return false;
+    };
+
+    unsigned value = 0;
+    unsigned digits = 0;
+    enum class EXPECTED { NUMBER, COMMA } expected = EXPECTED::NUMBER;
+    const auto finish_number = [&] {
+        decoded.push_back(static_cast<std::uint8_t>(value));
+        value = 0;
+        digits = 0;
+        expected = EXPECTED::COMMA;
+        if (decoded.size() < BLOCK)
+            return true;
+        const bool written = sink.write(decoded, message);
+        decoded.clear();
+        return written;
+    };
+
+    while (!reader.at_end()) {
+        if (!reader.need(1, message))
+            return false;
+        const std::span<const std::uint8_t> block(reader.data(), reader.available());
+        for (const std::uint8_t character : block) {
+            if (character >= '0' && character <= '9') {
+                if (expected == EXPECTED::COMMA)
+                    return refuse("a comma is missing between two numbers.");
+                value = value * 10 + character - '0';
+                if (++digits > 3 || value > 255)
+                    return refuse("a number is above 255; the numbers of a TTF file are bytes.");
+                continue;
+            }
+            if (digits != 0 && !finish_number())
+                return false;
+            switch (character) {
+            case ',':
+                if (expected == EXPECTED::NUMBER)
+                    return refuse("a number is missing before a comma.");
+                expected = EXPECTED::NUMBER;
+                break;
+            case '\n':
+                ++line;
+                break;
+            case ' ':
+            case '\t':
+            case '\r':
+                break;
+            default:
+                return refuse("the byte " + hex_text(character, 2) +
+                              " is neither a digit, a comma nor white space; this is no TTF file.");
+            }
+        }
+        reader.skip(block.size());
+    }
+    if (digits != 0 && !finish_number())
+        return false;
+    return decoded.empty() || sink.write(decoded, message);
+}
+
+namespace
+{
+/// Takes what decoding gives and keeps its size and checksum.
+class CHECKSUM_SINK final : public BYTE_SINK
+{
+public:
+    bool write(std::span<const std::uint8_t> bytes, std::string&) override
+    {
+        size += bytes.size();
+        crc = crc32(bytes, crc);
+        return true;
+    }
+    std::uint64_t size = 0;
+    std::uint32_t crc = 0;
+};
+} // namespace
+
+bool TTF_FORMAT::inspect(const BYTE_SOURCE& file, FORMAT_FACTS& facts, std::string& message) const
+{
+    CHECKSUM_SINK sink;
+    if (!decode(file, sink, message))
+        return false;
+    facts.facts.push_back({"format", "tabular text"});
+    facts.facts.push_back({"data", bytes_text(sink.size)});
+    facts.facts.push_back({"image CRC-32", hex_text(sink.crc)});
+    if (sink.size != 0)
+        facts.ranges.push_back({0, sink.size});
+    return true;
+}
