@@ -11,8 +11,7 @@ struct PACK_REQUEST {
     std::string device;         ///< name in the device database
     std::string core_path;      ///< raw configuration image of any origin
     std::string periphery_path; ///< empty for none
-    std::string scheme; ///< word of a configuration scheme, as PGMIO_CONFIG_SCHEME_STR or its number has it;
-                        ///< empty to leave the file open to any
+    std::string scheme;         ///< word of a configuration scheme (scheme_words.h), empty for any scheme
     BITSTREAM_OPTIONS options;
     std::optional<DSET_OTI_DEV_OPTIONS_INFO> option_block; ///< on-chip family only
     std::string firmware_path;                             ///< empty for none
