@@ -9,8 +9,8 @@
 class GFPDB_MGR
 {
 public:
-    /// The stored directory, empty when there is none. It is kept in the per-user file
-    /// "imagewright/flash_database" below XDG_CONFIG_HOME (default "~/.config").
+    /// The directory stored among the user's settings (user_settings.h, key "flash_database_directory"),
+    /// empty when there is none.
     static std::string get_custom_dir_from_ini();
 
     /// Stores the directory for later runs, atomically; an empty one clears it. `apply`: put it in force as

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -44,6 +43,8 @@ struct PGM_DEVICE {
     DEV_FLASH_SECTOR cfm0;                ///< on-chip configuration flash, first image
     DEV_FLASH_SECTOR cfm1;                ///< on-chip configuration flash, second image
     DEV_FLASH_SECTOR ufm;                 ///< on-chip user flash
+    std::uint32_t missing_modes =
+        0; ///< modes of the family that this device has no pins for, bit n for mode n
 
     // Flash devices.
     std::uint64_t flash_bytes = 0;  ///< capacity
@@ -92,18 +93,18 @@ public:
     static void override_device_list(std::optional<std::vector<const PGM_DEVICE*>> list);
 };
 
-/// While an object of this class lives, the family tables stay loaded. Objects may nest and be copied; the
-/// tables that are built on first use go with the last of them.
+/// Keeps the family tables loaded while an object of it lives. They are constants of the program, so it only
+/// marks the scope in which they are read.
 class DEV_FAMILY_MANAGER
 {
 public:
     DEV_FAMILY_MANAGER();
 
-    /// The names of all families by value, in the order of the family table.
-    const std::vector<DEV_FAMILY_ENUM>& families() const;
+    /// All families by value, flash families included.
+    const std::vector<DEV_FAMILY_ENUM>& families() const { return m_families; }
 
 private:
-    std::shared_ptr<const std::vector<DEV_FAMILY_ENUM>> m_families;
+    std::vector<DEV_FAMILY_ENUM> m_families;
 };
 
 #endif

@@ -124,7 +124,9 @@ public:
     /// The flash families that all of them can go to, ascending; empty for an empty list.
     static std::vector<DEV_FAMILY_ENUM>
     get_common_config_device_families(const std::vector<VEK_FILE_TYPE>& types);
-    /// Whether the internal settings leave the parameter in the dialogs.
+    /// Whether the configuration leaves the parameter in the dialogs: the key
+    /// "vek_param_<option>_<parameter>" in the names of the command line
+    /// ("vek_param_bitstream_path_compression") switches one off.
     static bool param_enabled_by_ini(PGM_COMMON_XML_VEK_CMD_PARAM_ENUM param);
 };
 
