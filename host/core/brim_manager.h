@@ -26,7 +26,9 @@ public:
     void read_unlock();
 
 protected:
+    virtual bool is_open() const = 0;
     virtual bool load() = 0;
+    void drop_locks();
     mutable std::recursive_mutex m_mutex;
 
 private:
@@ -55,6 +57,7 @@ public:
 
 private:
     BRIM_MANAGER() = default;
+    bool is_open() const override;
     bool load() override;
     bool read_file(const std::string& path, std::string& message);
 

@@ -78,6 +78,7 @@ protected:
         return destination != nullptr ? destination : m_report;
     }
     void set_text(std::string text) { m_text = std::move(text); }
+    void set_symbolic_id(std::string symbolic_id) { m_symbolic_id = std::move(symbolic_id); }
 
 private:
     MSG_SEVERITY m_severity;

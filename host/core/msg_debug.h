@@ -24,16 +24,16 @@ public:
     using MSG_BASE::fill_args;
     void fill_args(const char* format, va_list arguments) override;
 
-    virtual void set_subject(const char* subject) { m_subject = subject; }
+    /// The subject takes the place of the symbolic id.
+    virtual void set_subject(const char* subject) { set_symbolic_id(subject); }
     virtual void set_level(MSG_D_LEVEL level) { m_level = level; }
-    const std::string& subject() const { return m_subject; }
+    const std::string& subject() const { return symbolic_id(); }
     MSG_D_LEVEL level() const { return m_level; }
 
-    /// Reports only up to the level in force. The record's symbolic id is the subject.
+    /// Reports only up to the level in force.
     int report(MSG_REPORT* destination) override;
 
 private:
-    std::string m_subject;
     MSG_D_LEVEL m_level = MSG_D_LEVEL_2;
 };
 

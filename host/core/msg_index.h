@@ -43,7 +43,6 @@ public:
 
 private:
     std::span<const std::uint32_t> m_ids;
-    std::span<const MSG_POST_TYPE> m_types;
 };
 
 #endif

@@ -7,8 +7,8 @@
 /// $XDG_CONFIG_HOME/imagewright/imagewright.ini, or ~/.config/imagewright/imagewright.ini. A line is
 /// "key = value"; a line that begins with # is a comment and stays when the file is written. Keys are
 /// case-sensitive and hold no "=", no control character and no blank at an end. In a value, a backslash
-/// stands as "\\", a line feed as "\n", a carriage return as "\r" and a blank at an end as "\s". Any thread,
-/// any number of processes.
+/// stands as "\\", a line feed as "\n", a carriage return as "\r" and a blank or tab at an end as "\s" or
+/// "\t". Any thread, any number of processes.
 class USER_SETTINGS
 {
 public:
