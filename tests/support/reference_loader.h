@@ -1,0 +1,52 @@
+#ifndef IMAGEWRIGHT_TESTS_REFERENCE_LOADER_H
+#define IMAGEWRIGHT_TESTS_REFERENCE_LOADER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+/// One image of a configuration stream, as a device of the chain would have it after loading.
+struct LOADED_IMAGE {
+    struct REGION {
+        std::string name;
+        std::uint64_t offset = 0;
+        std::uint64_t length = 0;
+    };
+    std::string device;
+    std::uint32_t idcode = 0;
+    bool partial = false;
+    std::optional<std::uint32_t> scheme;
+    std::map<std::string, bool> options;
+    std::vector<std::uint8_t> option_block; ///< the record as it stands; empty for none
+    std::vector<REGION> regions;
+    std::vector<std::uint8_t> periphery;
+    std::vector<std::uint8_t> core;
+    std::vector<std::uint8_t> firmware;
+    std::vector<std::uint8_t> bootloader;
+    std::size_t plain_packets = 0;
+    std::size_t lz4_packets = 0;
+    std::size_t zstd_packets = 0;
+
+    /// Periphery followed by core.
+    std::vector<std::uint8_t> configuration() const;
+};
+
+/// What a device makes of a configuration stream.
+struct LOADED_STREAM {
+    std::vector<LOADED_IMAGE> images; ///< in chain order
+    std::size_t used = 0;             ///< bytes up to the end packet, included
+};
+
+/// Decodes the stream at the beginning of `bytes` by docs/formats/configuration-stream.md alone, with no code
+/// of the writer. Bytes behind the end packet are not looked at. False with what is wrong in `error`.
+bool load_configuration_stream(std::span<const std::uint8_t> bytes, LOADED_STREAM& stream,
+                               std::string& error);
+
+/// The CRC-32 of the formats, from a table of its own.
+std::uint32_t reference_crc32(std::span<const std::uint8_t> bytes);
+
+#endif
