@@ -55,7 +55,8 @@ public:
     std::uint64_t size() const override { return m_size; }
     bool read(std::uint64_t offset, std::span<std::uint8_t> into, std::string& message) const override;
     const std::string& path() const { return m_path; }
-    /// Takes over an open file descriptor, for example of a spool file. `name` is used in messages.
+    /// Takes over an open file descriptor, for example of a spool file, and closes it, also when it fails.
+    /// `name` is used in messages.
     static std::shared_ptr<FILE_SOURCE> adopt(int descriptor, const std::string& name, std::string& message);
 
 private:
