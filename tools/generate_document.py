@@ -102,7 +102,7 @@ class Schema:
                     raise SchemaError(f"word set {name}: {word} is not in the vocabulary")
         for element in self.elements.values():
             for child, count in element.children.items():
-                if child not in self.elements or count not in ("one", "any"):
+                if child not in self.elements or count not in ("one", "any", "always"):
                     raise SchemaError(f"{element.name}: bad child {child}")
         self.parameters = []
         for option, row in self.options.items():
@@ -254,7 +254,7 @@ def class_source(element):
         out += [f"{element.cls}::~{element.cls}() = default;", ""]
     out += [f"void {element.cls}::check_child_count()", "{"]
     out += [f"    check_count({xml_enum(child)}, {{{{0}}, {{1}}}});"
-            for child, count in element.children.items() if count == "one"]
+            for child, count in element.children.items() if count != "any"]
     out += [f"    {XML}ELEMENT::check_child_count();", "}", ""]
     out += [f"void {element.cls}::clear_childs()", "{"]
     out += [f"    {child.lower()}.clear();" for child in element.children]
@@ -286,7 +286,7 @@ def attribute_table(element):
 def child_table(element):
     out = [f"constexpr std::array<{XML}CHILD_DESCRIPTOR, {len(element.children)}> {element.name}_CHILDREN{{{{"]
     for child, count in element.children.items():
-        out.append(f"    {{{xml_enum(child)}, {'true' if count == 'one' else 'false'},")
+        out.append(f"    {{{xml_enum(child)}, PGM_COMMON_XML_COUNT_{count.upper()},")
         out.append(f"     &pgm_common_xml_bring_to_end<{element.cls}, &{element.cls}::{child.lower()}>}},")
     return out + ["}};", ""]
 

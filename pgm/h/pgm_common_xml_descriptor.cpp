@@ -1,5 +1,7 @@
 #include "pgm_common_xml_descriptor.h"
 
+#include "msg_internal_error.h"
+
 #include <array>
 #include <cstdint>
 
@@ -65,6 +67,41 @@ void pgm_common_xml_write(PGM_COMMON_XML_ELEMENT& element, int attribute, std::s
     }
     element.m_attribute_infos[PGM_COMMON_XML_RESERVED_ATTRIBUTES + static_cast<std::size_t>(attribute)]
         .set_text(text);
+}
+
+PGM_COMMON_XML_ELEMENT& pgm_common_xml_add_child(PGM_COMMON_XML_ELEMENT& parent, PGM_COMMON_XML_ENUM kind)
+{
+    const PGM_COMMON_XML_ELEMENT_DESCRIPTOR* descriptor = pgm_common_xml_vek_find_element(kind);
+    VEK_ASSERT(descriptor != nullptr);
+    std::unique_ptr<PGM_COMMON_XML_ELEMENT> child = descriptor->create();
+    parent.group_child(child.get(), false, true);
+    return *child.release();
+}
+
+void pgm_common_xml_complete(PGM_COMMON_XML_ELEMENT& element)
+{
+    const PGM_COMMON_XML_ELEMENT_DESCRIPTOR* descriptor =
+        pgm_common_xml_vek_find_element(element.m_class_type);
+    VEK_ASSERT(descriptor != nullptr);
+    for (const PGM_COMMON_XML_CHILD_DESCRIPTOR& child : descriptor->children) {
+        if (child.count == PGM_COMMON_XML_COUNT_ALWAYS && element.get_child_count(child.kind, true) == 0) {
+            pgm_common_xml_add_child(element, child.kind);
+        }
+    }
+}
+
+std::unique_ptr<PGM_COMMON_XML_ELEMENT> pgm_common_xml_take_child(PGM_COMMON_XML_ELEMENT& parent,
+                                                                  PGM_COMMON_XML_ELEMENT& child)
+{
+    VEK_ASSERT(child.get_parent() == &parent);
+    const PGM_COMMON_XML_ELEMENT_DESCRIPTOR* descriptor =
+        pgm_common_xml_vek_find_element(parent.m_class_type);
+    VEK_ASSERT(descriptor != nullptr);
+    const PGM_COMMON_XML_CHILD_DESCRIPTOR* row = pgm_common_xml_find_child(*descriptor, child.m_class_type);
+    VEK_ASSERT(row != nullptr);
+    row->bring_to_end(parent, child);
+    parent.group_child(&child, true, true);
+    return std::unique_ptr<PGM_COMMON_XML_ELEMENT>(&child);
 }
 
 PGM_COMMON_XML_VEK_CMD_OPT_ENUM pgm_common_xml_find_vek_cmd_opt(std::string_view name)

@@ -21,9 +21,15 @@ struct PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR {
     std::span<const PGM_COMMON_XML_ENUM> words; ///< what an attribute of type WORD may hold
 };
 
+enum PGM_COMMON_XML_COUNT : std::uint8_t {
+    PGM_COMMON_XML_COUNT_ANY,
+    PGM_COMMON_XML_COUNT_ONE,    ///< one at most
+    PGM_COMMON_XML_COUNT_ALWAYS, ///< one at most, which comes into being with its parent
+};
+
 struct PGM_COMMON_XML_CHILD_DESCRIPTOR {
     PGM_COMMON_XML_ENUM kind;
-    bool single; ///< one at most
+    PGM_COMMON_XML_COUNT count;
     /// Moves the child to the end of the vector of its kind, where group_child can remove it.
     void (*bring_to_end)(PGM_COMMON_XML_ELEMENT& parent, const PGM_COMMON_XML_ELEMENT& child);
 };
@@ -77,6 +83,15 @@ pgm_common_xml_find_child(const PGM_COMMON_XML_ELEMENT_DESCRIPTOR& element, PGM_
 /// The value of an attribute by its index, or of the text content by PGM_COMMON_XML_TEXT.
 const std::string& pgm_common_xml_read(const PGM_COMMON_XML_ELEMENT& element, int attribute);
 void pgm_common_xml_write(PGM_COMMON_XML_ELEMENT& element, int attribute, std::string_view text);
+
+/// Adds a new element of the kind behind the children of `parent`; its parent owns it. A kind that may not
+/// stand there is the internal error of group_child. Children that always come along are not added yet.
+PGM_COMMON_XML_ELEMENT& pgm_common_xml_add_child(PGM_COMMON_XML_ELEMENT& parent, PGM_COMMON_XML_ENUM kind);
+/// Adds the children that come into being with the element and are not there.
+void pgm_common_xml_complete(PGM_COMMON_XML_ELEMENT& element);
+/// Takes a child out of its parent, which must be `parent`, wherever it stands.
+std::unique_ptr<PGM_COMMON_XML_ELEMENT> pgm_common_xml_take_child(PGM_COMMON_XML_ELEMENT& parent,
+                                                                  PGM_COMMON_XML_ELEMENT& child);
 
 /// What the descriptor rows hold in bring_to_end, for the vector `MEMBER` of the class `PARENT`.
 template <typename PARENT, auto MEMBER>
