@@ -22,16 +22,20 @@ inline constexpr auto PAIRS = [] {
     return pairs;
 }();
 
-/// The value of each character as a hexadecimal digit of either case, 0xFF for others.
-inline constexpr auto VALUES = [] {
+/// The value of each character as a hexadecimal digit, 0xFF for others.
+constexpr std::array<std::uint8_t, 256> make_values(bool lower_case)
+{
     std::array<std::uint8_t, 256> values{};
     values.fill(0xFF);
     for (std::uint8_t value = 0; value != 16; ++value) {
         values[static_cast<std::uint8_t>("0123456789ABCDEF"[value])] = value;
-        values[static_cast<std::uint8_t>("0123456789abcdef"[value])] = value;
+        if (lower_case)
+            values[static_cast<std::uint8_t>("0123456789abcdef"[value])] = value;
     }
     return values;
-}();
+}
+inline constexpr auto VALUES = make_values(true);
+inline constexpr auto UPPER_CASE_VALUES = make_values(false);
 
 /// Writes the two digits of `value`.
 inline void put(char* text, std::uint8_t value)
@@ -39,11 +43,11 @@ inline void put(char* text, std::uint8_t value)
     std::memcpy(text, PAIRS[value].data(), 2);
 }
 
-/// Reads two digits; a value above 255 when one of them is no digit.
-inline unsigned get(const std::uint8_t* text)
+/// Reads two digits of either case, or of upper case alone; a value above 255 when one of them is no digit.
+inline unsigned get(const std::uint8_t* text, const std::array<std::uint8_t, 256>& values = VALUES)
 {
-    const unsigned high = VALUES[text[0]];
-    const unsigned low = VALUES[text[1]];
+    const unsigned high = values[text[0]];
+    const unsigned low = values[text[1]];
     return (high | low) > 0xF ? 0x100 : high << 4 | low;
 }
 
@@ -66,8 +70,8 @@ inline bool decode_16(const std::uint8_t* text, std::uint8_t* bytes, unsigned& s
 {
     sum = 0;
     for (unsigned i = 0; i != 16; ++i) {
-        const unsigned value = get(text + 2 * i);
-        if (value > 0xFF || text[2 * i] > 'F' || text[2 * i + 1] > 'F')
+        const unsigned value = get(text + 2 * i, UPPER_CASE_VALUES);
+        if (value > 0xFF)
             return false;
         bytes[i] = static_cast<std::uint8_t>(value);
         sum += value;

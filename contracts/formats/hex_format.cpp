@@ -3,7 +3,7 @@
 #include "format_text.h"
 #include "hex_digits.h"
 #include "image_compare.h"
-#include "intel_hex_reader.h"
+#include "intel_hex_file.h"
 #include "intel_hex_record.h"
 
 #include <algorithm>
@@ -144,7 +144,19 @@ bool HEX_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, 
     };
 
     std::uint64_t base = 0;
+    bool any_base = false;
     for (bool ended = false; !ended;) {
+        if (filled == decoded.size() && !compare_decoded())
+            return false;
+        // A run ends with its window, behind which an address record must come.
+        const std::uint64_t next = first + done + filled;
+        std::size_t run = std::min<std::size_t>(decoded.size() - filled, WINDOW - next % WINDOW);
+        if (base == next / WINDOW * WINDOW && any_base) {
+            if (!parser.plain_run(static_cast<std::uint16_t>(next), {decoded.data() + filled, run}, run,
+                                  message))
+                return false;
+            filled += run;
+        }
         INTEL_HEX_RECORD record;
         bool found = false;
         if (!parser.next(record, found, message))
@@ -159,6 +171,8 @@ bool HEX_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, 
         switch (record.type) {
         case INTEL_HEX_RECORD::DATA: {
             const std::uint64_t at = base + record.address;
+            if (!any_base)
+                return refuse("an address record must come before the data.");
             if (at != first + done + filled)
                 return refuse("the record is for address " + hex_text(at) + " instead of " +
                               hex_text(first + done + filled) + ".");
@@ -170,6 +184,7 @@ bool HEX_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, 
         }
         case INTEL_HEX_RECORD::EXTENDED_LINEAR_ADDRESS:
             base = static_cast<std::uint64_t>(record.word()) << 16;
+            any_base = true;
             if (record.address != 0 || base != (first + done + filled) / WINDOW * WINDOW)
                 return refuse("the address record does not fit the data before it.");
             break;

@@ -3,7 +3,7 @@
 #include "format_text.h"
 #include "hex_digits.h"
 
-#include <algorithm>
+#include <cstring>
 
 namespace
 {
@@ -33,6 +33,23 @@ int wanted_length(INTEL_HEX_RECORD::TYPE type)
         return 4;
     }
     return -1;
+}
+constexpr std::size_t PLAIN_LENGTH = 16;
+constexpr std::size_t PLAIN_LINE = HEADER_LENGTH + 2 * PLAIN_LENGTH + 3;
+
+/// Reads the line that nearly every file is made of: 16 bytes of data in upper-case digits, ended by a line
+/// feed. False for any other, which parse() then reads digit by digit.
+inline bool plain_data(const std::uint8_t* text, std::uint8_t* data, std::uint16_t& address)
+{
+    const unsigned high = hex_digits::get(text + 3, hex_digits::UPPER_CASE_VALUES);
+    const unsigned low = hex_digits::get(text + 5, hex_digits::UPPER_CASE_VALUES);
+    const unsigned checksum = hex_digits::get(text + PLAIN_LINE - 3, hex_digits::UPPER_CASE_VALUES);
+    unsigned sum = 0;
+    const bool digits = hex_digits::decode_16(text + HEADER_LENGTH, data, sum);
+    address = static_cast<std::uint16_t>(high << 8 | low);
+    return digits && (high | low | checksum) <= 0xFF &&
+           (PLAIN_LENGTH + high + low + sum + checksum) % 256 == 0 && std::memcmp(text, ":10", 3) == 0 &&
+           std::memcmp(text + 7, "00", 2) == 0 && text[PLAIN_LINE - 1] == '\n';
 }
 } // namespace
 
@@ -78,29 +95,36 @@ bool INTEL_HEX_PARSER::next(INTEL_HEX_RECORD& record, bool& found, std::string& 
     return parse(record, message);
 }
 
+bool INTEL_HEX_PARSER::plain_run(std::uint16_t address, std::span<std::uint8_t> into, std::size_t& count,
+                                 std::string& message)
+{
+    count = 0;
+    for (std::uint16_t read = 0; into.size() - count >= PLAIN_LENGTH; count += PLAIN_LENGTH) {
+        if (!m_reader.need(PLAIN_LINE, message))
+            return false;
+        if (m_reader.available() < PLAIN_LINE || !plain_data(m_reader.data(), into.data() + count, read) ||
+            read != static_cast<std::uint16_t>(address + count))
+            break;
+        m_reader.skip(PLAIN_LINE);
+    }
+    m_line += count / PLAIN_LENGTH;
+    return true;
+}
+
 bool INTEL_HEX_PARSER::parse(INTEL_HEX_RECORD& record, std::string& message)
 {
     const std::uint8_t* const text = m_reader.data();
     const std::size_t available = m_reader.available();
 
-    // The line that nearly every file is made of: 16 bytes of data in upper-case digits.
-    if (available >= 44 && text[1] == '1' && text[2] == '0') {
-        const unsigned high = hex_digits::get(text + 3);
-        const unsigned low = hex_digits::get(text + 5);
-        const unsigned checksum = hex_digits::get(text + 41);
-        unsigned sum = 0;
-        const bool digits = hex_digits::decode_16(text + HEADER_LENGTH, record.data.data(), sum);
-        const bool upper = std::max({text[3], text[4], text[5], text[6], text[41], text[42]}) <= 'F';
-        if (digits && upper && (high | low | checksum) <= 0xFF && text[7] == '0' && text[8] == '0' &&
-            text[43] == '\n' && (16 + high + low + sum + checksum) % 256 == 0) {
-            record.length = 16;
-            record.address = static_cast<std::uint16_t>(high << 8 | low);
-            record.type = INTEL_HEX_RECORD::DATA;
-            record.plain = true;
-            ++m_line;
-            m_reader.skip(44);
-            return true;
-        }
+    std::uint16_t address = 0;
+    if (available >= PLAIN_LINE && plain_data(text, record.data.data(), address)) {
+        record.length = PLAIN_LENGTH;
+        record.address = address;
+        record.type = INTEL_HEX_RECORD::DATA;
+        record.plain = true;
+        ++m_line;
+        m_reader.skip(PLAIN_LINE);
+        return true;
     }
 
     const std::uint8_t* const end = text + available;

@@ -46,6 +46,12 @@ public:
     /// file. False with a sentence that begins "Line 12: " when the line is no record.
     bool next(INTEL_HEX_RECORD& record, bool& found, std::string& message);
 
+    /// Reads records on as long as they are plain ones of 16 bytes of data for `address` and what follows it,
+    /// straight into `into`; `count` is how many bytes that gave. Where it stops, for whatever reason, next()
+    /// goes on. False only when the file cannot be read.
+    bool plain_run(std::uint16_t address, std::span<std::uint8_t> into, std::size_t& count,
+                   std::string& message);
+
     /// Number of the line that next() gave last, and where in the file it starts.
     std::uint64_t line() const { return m_record_line; }
     std::uint64_t line_offset() const { return m_record_offset; }

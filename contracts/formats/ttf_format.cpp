@@ -2,6 +2,7 @@
 
 #include "block_reader.h"
 #include "format_text.h"
+#include "ttf_numbers.h"
 
 #include <algorithm>
 #include <array>
@@ -49,21 +50,6 @@ char* put_numbers(const std::uint8_t* bytes, std::size_t count, char* text)
         text += LENGTHS[bytes[i]];
     }
     return text;
-}
-
-/// Reads one number of known length at `text` by its digits; above 255 when it is none or is spelled longer
-/// than needed. Three characters at `text` must be readable.
-unsigned number_of_length(const std::uint8_t* text, unsigned digits)
-{
-    std::uint32_t word = static_cast<std::uint32_t>(text[0]) | static_cast<std::uint32_t>(text[1]) << 8 |
-                         static_cast<std::uint32_t>(text[2]) << 16;
-    // The digits move to the top of the word, the last one into the highest byte; what is below reads as 0.
-    word = (word ^ 0x30303030u) << 8 * (4 - digits);
-    const unsigned ones = word >> 24;
-    const unsigned tens = word >> 16 & 0xFF;
-    const unsigned hundreds = word >> 8 & 0xFF;
-    const bool valid = ones < 10 && tens < 10 && hundreds < 10;
-    return valid ? hundreds * 100 + tens * 10 + ones : 0x100;
 }
 
 bool wrong_number(std::uint64_t index, std::uint8_t wanted, std::string& message)
@@ -119,39 +105,29 @@ bool TTF_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, 
         if (!request.image->read(index, {block.data(), count}, message))
             return false;
         for (std::size_t i = 0; i < count; i += PER_LINE) {
-            if (!reader.need(LONGEST_LINE + 4, message))
+            if (!reader.need(TTF_LINE_READABLE, message))
                 return false;
             const std::size_t in_line = std::min<std::size_t>(PER_LINE, count - i);
-            std::array<std::uint8_t, LONGEST_LINE + 4> copy{};
+            std::array<std::uint8_t, TTF_LINE_READABLE> copy; // the end of the file
             const std::uint8_t* text = reader.data();
             if (reader.available() < copy.size()) {
-                std::copy_n(text, reader.available(), copy.begin());
+                std::fill(std::copy_n(text, reader.available(), copy.begin()), copy.end(), std::uint8_t(0));
                 text = copy.data();
             }
             const std::uint8_t* at = text;
-            bool same = true;
-            for (std::size_t k = 0; k != in_line; ++k) {
-                const std::uint8_t byte = block[i + k];
-                const unsigned digits = 1u + (byte >= 10) + (byte >= 100);
-                const bool last = index + i + k + 1 == size;
-                same = same & (number_of_length(at, digits) == byte) & (at[digits] == (last ? '\n' : ','));
-                at += digits + 1;
-            }
-            if (in_line == PER_LINE && index + i + PER_LINE != size)
-                same = same & (*at++ == '\n');
-            if (!same) {
-                at = text;
+            const bool last = index + i + in_line == size;
+            if (last || !ttf_line_says(text, block.data() + i, at)) {
+                // The last line ends in its own way, and a wrong one is to be told number by number.
                 for (std::size_t k = 0; k != in_line; ++k) {
-                    const std::uint8_t byte = block[i + k];
-                    const std::string wanted = std::to_string(byte);
-                    const std::uint8_t behind = index + i + k + 1 == size ? '\n' : ',';
-                    if (!std::equal(wanted.begin(), wanted.end(), at) || at[wanted.size()] != behind)
-                        return wrong_number(index + i + k, byte, message);
-                    at += wanted.size() + 1;
+                    const bool end = last && k + 1 == in_line;
+                    if (!ttf_number_says(at, block[i + k], end ? '\n' : ','))
+                        return wrong_number(index + i + k, block[i + k], message);
                 }
-                message = "Line " + std::to_string((index + i) / PER_LINE + 1) +
-                          " does not end behind its sixteenth number; generate the file again.";
-                return false;
+                if (!last && *at++ != '\n') {
+                    message = "Line " + std::to_string((index + i) / PER_LINE + 1) +
+                              " does not end behind its sixteenth number; generate the file again.";
+                    return false;
+                }
             }
             reader.skip(static_cast<std::size_t>(at - text));
         }

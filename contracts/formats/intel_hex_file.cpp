@@ -1,4 +1,4 @@
-#include "intel_hex_reader.h"
+#include "intel_hex_file.h"
 
 #include "format_text.h"
 #include "intel_hex_record.h"
@@ -236,6 +236,16 @@ bool INTEL_HEX_IMAGE::read_segment(const INTEL_HEX_SEGMENT& segment, std::uint64
     for (std::uint64_t at = checkpoint->data_offset; !into.empty();) {
         bool found = false;
         std::string reason;
+        if (at == offset) {
+            std::size_t run = 0;
+            if (!parser.plain_run(static_cast<std::uint16_t>(segment.address + at), into, run, message))
+                return false;
+            into = into.subspan(run);
+            offset += run;
+            at += run;
+            if (into.empty())
+                break;
+        }
         if (!parser.next(record, found, reason) || !found || record.type == INTEL_HEX_RECORD::END_OF_FILE) {
             message = "The Intel HEX file was changed while it was being read; start again.";
             return false;
