@@ -3,7 +3,7 @@
 #include "format_text.h"
 #include "hex_digits.h"
 #include "image_compare.h"
-#include "intel_hex_file.h"
+#include "intel_hex_reader.h"
 #include "intel_hex_record.h"
 
 #include <algorithm>

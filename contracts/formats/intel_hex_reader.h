@@ -1,5 +1,5 @@
-#ifndef INTEL_HEX_FILE_H
-#define INTEL_HEX_FILE_H
+#ifndef INTEL_HEX_READER_H
+#define INTEL_HEX_READER_H
 
 #include "byte_source.h"
 

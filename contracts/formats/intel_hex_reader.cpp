@@ -1,4 +1,4 @@
-#include "intel_hex_file.h"
+#include "intel_hex_reader.h"
 
 #include "format_text.h"
 #include "intel_hex_record.h"
