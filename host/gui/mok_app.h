@@ -6,9 +6,11 @@
 #include <memory>
 
 class MOK_MESSAGE_MODEL;
+class MOK_QUESTION_DESK;
 class MOK_UI_MGR;
 
-/// The host application of the frame layer. Build it after the QApplication and let it go before.
+/// The host application of the frame layer. Build it after the QApplication and let it go before, but after
+/// its windows.
 ///
 /// While it lives, the messages of all threads arrive in its message model, and a yes-or-no question of any
 /// thread is put to the user in a modal box on the GUI thread.
@@ -27,6 +29,7 @@ public:
 private:
     std::unique_ptr<MOK_UI_MGR> m_ui_mgr;
     std::unique_ptr<MOK_MESSAGE_MODEL> m_message_model;
+    std::unique_ptr<MOK_QUESTION_DESK> m_question_desk;
 };
 
 #endif

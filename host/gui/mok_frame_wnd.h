@@ -41,8 +41,8 @@ public:
     MOK_FW_STATE_ENUM get_state() const { return m_state; }
     NIVO_CLSID get_clsid() const { return m_info.clsid; }
 
-    /// The standard menus and their entries by position. Entries that need a condition (a file in the window,
-    /// a main frame) enable themselves when the menu opens, unless somebody disabled them.
+    /// The standard menus and their entries by position. Entries that need a file in the window or an MDI
+    /// area are enabled only with one, and hidden entries are left as they are.
     const MOK_MENU_RECORD& get_menu_record() const { return m_menu_record; }
 
     /// The toolbar of a category, or null when there is none (never made, or deleted since).
@@ -81,8 +81,18 @@ public:
     const QString& get_current_file() const { return m_current_file; }
     /// Marks the title; the window's own bookkeeping clears the mark when a file is opened or saved.
     void set_modified(bool modified);
-    /// The recent files, the latest first. Only files that still exist.
-    static QStringList get_recent_files();
+    /// Opens a file that may be open already, as a recent or a dropped one: find_open_file, else the long
+    /// form. Does nothing while File > Open is disabled.
+    bool open_and_remember(const QString& path);
+    /// Opens the file in the window again. Does nothing while File > Open is disabled.
+    bool reload_file();
+    /// Whether the user may open a file now: a background task disables File > Open.
+    bool can_open() const;
+
+    /// Shows the window before all others.
+    void bring_to_front();
+    /// All frames of the process, in the order in which they were built.
+    static QList<MOK_FRAME_WND*> get_frames();
 
     /// Main frames only: takes a frame into the MDI area, or leaves it floating where there is none or where
     /// its state is MOK_FW_STATE_DETACHED. Does not show it.
@@ -96,6 +106,9 @@ public:
     /// appear in the host's main frame.
     MOK_MESSAGE_PANE* get_message_pane();
 
+    /// The first time, puts the window where it was at the end of the last run.
+    void setVisible(bool visible) override;
+
 public slots:
     /// File > Open: asks for a file and opens it with the long form.
     virtual void on_open_action();
@@ -105,7 +118,7 @@ signals:
     void current_file_changed(const QString& path);
 
 protected:
-    void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -118,11 +131,12 @@ private slots:
 private:
     friend class MOK_MENU_BUILDER;
 
-    bool can_open() const;
-    void open_and_remember(const QString& path);
     void set_current_file(const QString& path);
     void update_title();
-    void build_toolbars();
+    void connect_entry(int menu, int entry, const char* slot);
+    void build_toolbars(const QMap<QString, QList<QAction*>>& categories);
+    void apply_status_display();
+    QByteArray layout_key() const;
     void restore_layout();
     void save_layout() const;
 
@@ -135,7 +149,7 @@ private:
     QPointer<MOK_MESSAGE_PANE> m_message_pane;
     QString m_current_file;
     bool m_status_visible = true;
-    bool m_remembers_files = true;
+    bool m_remembers_files = true; ///< off while a file is opened that the recent ones shall not list
     bool m_was_shown = false;
 };
 

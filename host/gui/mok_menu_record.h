@@ -61,6 +61,7 @@ enum MOK_VIEW_ENTRY : int {
 enum MOK_WINDOW_ENTRY : int {
     MOK_WINDOW_NEXT = 0,
     MOK_WINDOW_PREVIOUS = 1,
+    MOK_WINDOW_LAYOUT_SEPARATOR = 2,
     MOK_WINDOW_CASCADE = 3,
     MOK_WINDOW_TILE = 4,
     MOK_WINDOW_DETACH_SEPARATOR = 7,
@@ -70,6 +71,7 @@ enum MOK_WINDOW_ENTRY : int {
 /// Positions of the entries of the Help menu.
 enum MOK_HELP_ENTRY : int {
     MOK_HELP_SHORTCUTS = 0,
+    MOK_HELP_SEPARATOR = 1,
     MOK_HELP_ABOUT = 2,
 };
 
