@@ -53,6 +53,7 @@ class Element:
         self.name = name
         self.value = row["value"]
         self.key = row["key"]
+        self.unique = row.get("unique", "")
         self.text = row.get("text")
         self.children = row.get("children", {})
         self.attributes = [Attribute(name, a, t, word_sets) for a, t in row.get("attributes", {}).items()]
@@ -322,7 +323,8 @@ def write_elements(schema):
         attributes = f"{element.name}_ATTRIBUTES" if element.attributes else "{}"
         children = f"{element.name}_CHILDREN" if element.children else "{}"
         create = "&create_root" if element.name == "VEK" else f"&create<{element.cls}>"
-        out.append(f"    {{{xml_enum(element.name)}, {text_type(element)}, {element.key_index()}, {attributes}, {children},")
+        out.append(f"    {{{xml_enum(element.name)}, {text_type(element)}, {element.key_index()},")
+        out.append(f"     {literal(element.unique)}, {attributes}, {children},")
         out.append(f"     {create}}},")
     out += ["}};", "", "} // namespace", "",
             f"std::span<const {XML}ELEMENT_DESCRIPTOR> pgm_common_xml_vek_elements()", "{", "    return ELEMENTS;", "}", ""]

@@ -42,6 +42,7 @@ struct PGM_COMMON_XML_ELEMENT_DESCRIPTOR {
     PGM_COMMON_XML_ENUM kind;
     PGM_XML_TYPE text_type; ///< PGM_XML_TYPE_NONE: no text
     int key;                ///< the attribute that tells the element from its siblings: index, TEXT or NO_KEY
+    std::string_view unique; ///< what the key occurs once among in a document; empty: only among its siblings
     std::span<const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR> attributes;
     std::span<const PGM_COMMON_XML_CHILD_DESCRIPTOR> children;
     std::unique_ptr<PGM_COMMON_XML_ELEMENT> (*create)();

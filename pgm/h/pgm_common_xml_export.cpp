@@ -48,10 +48,16 @@ void PGM_COMMON_XML_ATTRIBUTE_INFO::set_text(std::string_view text)
 {
     std::string& target = m_ptr ? *static_cast<std::string*>(m_ptr) : m_value;
     if (m_type == PGM_XML_TYPE_SECRET) {
-        target.resize(target.capacity());
-        explicit_bzero(target.data(), target.size());
+        wipe(target);
     }
     target.assign(text);
+}
+
+void PGM_COMMON_XML_ATTRIBUTE_INFO::wipe(std::string& secret)
+{
+    secret.resize(secret.capacity());
+    explicit_bzero(secret.data(), secret.size());
+    secret.clear();
 }
 
 PGM_COMMON_XML_ELEMENT::PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM class_type,

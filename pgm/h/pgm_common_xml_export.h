@@ -47,6 +47,8 @@ public:
     const std::string& text() const { return m_ptr ? *static_cast<const std::string*>(m_ptr) : m_value; }
     /// Replaces the text; that of a secret is wiped first.
     void set_text(std::string_view text);
+    /// Overwrites the memory of a text that was a secret and empties it.
+    static void wipe(std::string& secret);
 
     std::string m_name;
     std::string m_value;
