@@ -233,7 +233,7 @@ std::shared_ptr<const BITSTREAM_FILE> BITSTREAM_FILE::open(std::shared_ptr<const
     std::string reason;
     if (!parse_bitstream_header(first, file->m_bytes->size(), file->m_header, reason) ||
         !file->read_records(reason)) {
-        message = name + " " + reason;
+        message = name + " " + reason + ".";
         return nullptr;
     }
     return file;
@@ -245,7 +245,7 @@ bool BITSTREAM_FILE::read_record(const SECTION_TAG& tag, std::vector<std::uint8_
     const BITSTREAM_SECTION& section = *find(tag);
     bytes.resize(static_cast<std::size_t>(section.length));
     if (!m_bytes->read(section.offset, bytes, reason)) {
-        reason = "cannot be read: " + reason;
+        reason = "cannot be read to the end of " + place(section);
         return false;
     }
     if (crc32(bytes) != section.crc) {
@@ -337,7 +337,7 @@ bool BITSTREAM_FILE::verify(std::string& message) const
                 hash->update(block);
         }
         if (section.tag != SECTION_DIGEST && crc != section.crc) {
-            message = m_name + " is damaged: the checksum of " + place(section) + " does not fit";
+            message = m_name + " is damaged: the checksum of " + place(section) + " does not fit.";
             return false;
         }
     }
@@ -345,7 +345,7 @@ bool BITSTREAM_FILE::verify(std::string& message) const
     const auto computed = hash->final_stdvec();
     if (computed != block) {
         message = m_name + " is damaged: the digest at offset " + std::to_string(digest.offset) +
-                  " does not fit the content";
+                  " does not fit the content.";
         return false;
     }
     return true;

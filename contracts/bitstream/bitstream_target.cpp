@@ -8,11 +8,11 @@ const PGM_DEVICE* find_fpga(const std::string& name, std::string& message)
 {
     const PGM_DEVICE* const device = PGM_DEVICE_INDEX::find_by_name(name);
     if (device == nullptr) {
-        message = "Device " + name + " is not in the device database; \"list devices\" names those that are";
+        message = "Device " + name + " is not in the device database; \"list devices\" names those that are.";
         return nullptr;
     }
     if (device->device_class != DEV_CLASS_FPGA) {
-        message = "Device " + device->name + " is a flash device; a bitstream is for an FPGA";
+        message = "Device " + device->name + " is a flash device; a bitstream is for an FPGA.";
         return nullptr;
     }
     return device;
@@ -28,6 +28,7 @@ bool parse_scheme_word(const std::string& word, std::optional<std::uint32_t>& sc
         message = "\"" + word + "\" is no configuration scheme; the schemes are";
         for (const std::string& known : scheme_words())
             message += " " + known;
+        message += ".";
         return false;
     }
     scheme = found;

@@ -122,7 +122,7 @@ bool BITSTREAM_WRITER::check(std::vector<std::uint8_t> first_bytes, std::uint64_
     BITSTREAM_HEADER header;
     std::string reason;
     if (!parse_bitstream_header(first_bytes, size, header, reason)) {
-        message = "The bitstream file would be unreadable: it " + reason;
+        message = "The bitstream file would be unreadable: it " + reason + ".";
         return false;
     }
     return true;

@@ -172,7 +172,7 @@ bool append_part(const PART_INPUT& input, STREAM_METHOD method, const std::strin
         return false;
     if (input.section != nullptr && section_crc != input.section->crc) {
         message = name + " is damaged: the checksum of the " + section_description(input.section->tag) +
-                  " (at offset " + std::to_string(input.section->offset) + ") does not fit";
+                  " (at offset " + std::to_string(input.section->offset) + ") does not fit.";
         return false;
     }
     return true;
@@ -199,7 +199,7 @@ bool collect_parts(const STREAM_INPUT& input, const BITSTREAM_FILE& file, STREAM
     });
     if (!any) {
         message = input.path + " holds no " +
-                  (selection == STREAM_SELECTION::PERIPHERY ? "periphery data" : "core data");
+                  (selection == STREAM_SELECTION::PERIPHERY ? "periphery data." : "core data.");
         return false;
     }
     return true;
@@ -231,7 +231,8 @@ bool append_image(const STREAM_INPUT& input, STREAM_SELECTION selection, STREAM_
                   std::string& message)
 {
     if (input.compression && input.enhanced_compression) {
-        message = input.path + " is to be compressed in two ways; choose compression or enhanced compression";
+        message =
+            input.path + " is to be compressed in two ways; choose compression or enhanced compression.";
         return false;
     }
     const auto file = BITSTREAM_FILE::open(input.path, message);
@@ -256,7 +257,7 @@ std::shared_ptr<const BYTE_SOURCE> build_configuration_stream(const std::vector<
 {
     if (inputs.empty() || inputs.size() > UINT16_MAX) {
         message = "A bitstream is made of at least one file and at most 65535; this one names " +
-                  std::to_string(inputs.size());
+                  std::to_string(inputs.size()) + ".";
         return nullptr;
     }
     STREAM_ASSEMBLY stream(spool_directory);

@@ -147,7 +147,7 @@ bool verify_file(const std::string& path, std::string& message)
     case INSPECTED_KIND::OTHER:
         break;
     }
-    message = path + " is neither a bitstream file nor a configuration stream";
+    message = path + " is neither a bitstream file nor a configuration stream.";
     return false;
 }
 
@@ -159,11 +159,11 @@ bool extract_from_file(const std::string& path, EXTRACTED_PART part, const std::
     if (!file)
         return false;
     if (same_file(path, output_path)) {
-        message = path + " is the input and cannot be the output too; choose another name";
+        message = path + " is the input and cannot be the output too; choose another name.";
         return false;
     }
     if (kind == INSPECTED_KIND::OTHER) {
-        message = path + " is neither a bitstream file nor a configuration stream";
+        message = path + " is neither a bitstream file nor a configuration stream.";
         return false;
     }
     const auto target = ATOMIC_FILE::create(output_path, 0666, message);
@@ -179,7 +179,8 @@ bool extract_from_file(const std::string& path, EXTRACTED_PART part, const std::
             return false;
     }
     if (target->size() == 0) {
-        message = path + " holds no " + (part == EXTRACTED_PART::PERIPHERY ? "periphery data" : "core data");
+        message =
+            path + " holds no " + (part == EXTRACTED_PART::PERIPHERY ? "periphery data." : "core data.");
         return false;
     }
     return target->commit(message);

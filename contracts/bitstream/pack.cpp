@@ -16,16 +16,16 @@ std::shared_ptr<const BYTE_SOURCE> open_image(const std::string& path, std::uint
     if (!image)
         return nullptr;
     if (image->size() == 0) {
-        message = path + " is empty; a configuration image has at least one byte";
+        message = path + " is empty; a configuration image has at least one byte.";
         return nullptr;
     }
     if (image->size() > capacity) {
         message = path + " has " + std::to_string(image->size()) + " bytes, but the " + holder + " of " +
-                  request.device + " has room for " + std::to_string(capacity);
+                  request.device + " has room for " + std::to_string(capacity) + ".";
         return nullptr;
     }
     if (same_file(path, request.output_path)) {
-        message = path + " is an input and cannot be the output too; choose another name";
+        message = path + " is an input and cannot be the output too; choose another name.";
         return nullptr;
     }
     return image;
@@ -36,12 +36,12 @@ bool check_regions(const PACK_REQUEST& request, const PGM_DEVICE& device, std::s
     for (const BITSTREAM_REGION& region : request.regions) {
         if (!is_bitstream_name(region.name)) {
             message = "\"" + region.name +
-                      "\" cannot name a region; a name has 1 to 64 letters, digits, \"-\", \"_\" or \".\"";
+                      "\" cannot name a region; a name has 1 to 64 letters, digits, \"-\", \"_\" and \".\".";
             return false;
         }
         if (region.offset > device.core_bytes || region.length > device.core_bytes - region.offset) {
             message = "Region " + region.name + " leaves the core configuration memory of " + device.name +
-                      ", which has " + std::to_string(device.core_bytes) + " bytes";
+                      ", which has " + std::to_string(device.core_bytes) + " bytes.";
             return false;
         }
     }

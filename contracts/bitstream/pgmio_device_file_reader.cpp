@@ -25,7 +25,7 @@ bool read_checked(const FIO_PATH& path, const FIO_PATH& shown_path, bool verify_
         return false;
     device = PGM_DEVICE_INDEX::find_by_name(file->device().name);
     if (device == nullptr) {
-        message = name + " is for device " + file->device().name + ", which is not in the device database";
+        message = name + " is for device " + file->device().name + ", which is not in the device database.";
         return false;
     }
     return true;
@@ -85,12 +85,12 @@ bool PGM_CHAIN_ELEMENT::create_chain_element(PGM_CHAIN_ELEMENT* chain, bool read
     std::string failure;
     bool good = read_checked(chain->m_path, FIO_PATH(), verify_contents, file, found, failure);
     if (good && image != 0) {
-        failure = chain->m_path.fullpath() + " holds one image, not " + std::to_string(image + 1);
+        failure = chain->m_path.fullpath() + " holds one image, not " + std::to_string(image + 1) + ".";
         good = false;
     }
     if (good && check_device && found != chain->m_device) {
         failure = chain->m_path.fullpath() + " is for device " + found->name +
-                  (chain->m_device == nullptr ? "" : ", not for " + chain->m_device->name);
+                  (chain->m_device == nullptr ? "" : ", not for " + chain->m_device->name) + ".";
         good = false;
     }
     if (!good) {

@@ -51,18 +51,18 @@ bool precheck_bitstream_file(const std::string& path, bool must_be_bitstream, co
     BITSTREAM_HEADER header;
     std::string reason;
     if (!parse_bitstream_header(first, file->size(), header, reason)) {
-        message = name + " " + reason;
+        message = name + " " + reason + ".";
         return false;
     }
     device_name = header.device.name;
     const PGM_DEVICE* const found = PGM_DEVICE_INDEX::find_by_name(device_name);
     if (found == nullptr || found->device_class != DEV_CLASS_FPGA) {
-        message = name + " is for device " + device_name + ", which is not in the device database";
+        message = name + " is for device " + device_name + ", which is not in the device database.";
         return false;
     }
     if (found->idcode != header.device.idcode) {
         message = name + " is for a device " + device_name +
-                  " with another JTAG IDCODE than the device database has";
+                  " with another JTAG IDCODE than the device database has.";
         return false;
     }
     *device = found;

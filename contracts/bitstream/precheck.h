@@ -13,7 +13,7 @@ struct PGM_DEVICE;
 /// file with neither a bitstream's content nor its extension counts as raw data, which passes when it can be
 /// read;
 /// `*device` is then null. On false `message` is a whole sentence for the user that begins with the file's
-/// name, such as "top.sof is not a bitstream file"; `device_name` still holds the name of an unknown device.
+/// name, such as "top.sof is not a bitstream file."; `device_name` still holds the name of an unknown device.
 bool precheck_bitstream_file(const std::string& path, bool must_be_bitstream, const PGM_DEVICE** device,
                              std::string& device_name, std::string& message);
 

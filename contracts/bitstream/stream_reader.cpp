@@ -52,8 +52,15 @@ public:
     }
 
     std::uint64_t offset() const { return m_offset; }
+    /// Whether the fault lies with the source or the sink, not with the stream.
+    bool failed_outside() const { return m_failed_outside; }
 
 private:
+    bool read_bytes(std::span<std::uint8_t> into, std::string& reason)
+    {
+        m_failed_outside = !m_bytes.read(m_offset, into, reason);
+        return !m_failed_outside;
+    }
     bool read_packet(std::string& reason);
     bool take_packet(bool& ended, std::string& reason);
     bool take_begin(std::string& reason);
@@ -76,7 +83,8 @@ private:
     std::unique_ptr<Botan::HashFunction> m_hash;
     std::unique_ptr<ZSTD_DCtx, FREE_ZSTD> m_zstd;
     std::uint64_t m_offset = 0; ///< of the packet in work
-    std::uint64_t m_end = 0;    ///< of what has been read
+    bool m_failed_outside = false;
+    std::uint64_t m_end = 0; ///< of what has been read
     std::vector<std::uint8_t> m_packet;
     std::vector<std::uint8_t> m_plain;
     std::uint8_t m_opcode = 0;
@@ -96,7 +104,7 @@ bool STREAM_WALK::read_packet(std::string& reason)
         reason = "the stream ends without an end packet";
         return false;
     }
-    if (!m_bytes.read(m_offset, header, reason))
+    if (!read_bytes(header, reason))
         return false;
     RECORD_READER reader(header);
     m_opcode = reader.u8();
@@ -111,7 +119,7 @@ bool STREAM_WALK::read_packet(std::string& reason)
         return false;
     }
     m_packet.resize(size);
-    if (!m_bytes.read(m_offset, m_packet, reason))
+    if (!read_bytes(m_packet, reason))
         return false;
     const auto checked = std::span<const std::uint8_t>(m_packet).first(size - PACKET_CRC_SIZE);
     RECORD_READER stated(std::span<const std::uint8_t>(m_packet).last(PACKET_CRC_SIZE));
@@ -284,8 +292,9 @@ bool STREAM_WALK::take_frames(std::string& reason)
     m_received[part] += length;
     image.stored_length[part] += stored;
     ++image.packets_by_method[static_cast<std::size_t>(method)];
-    return m_data == nullptr ||
-           m_data->write(m_facts.images.size() - 1, static_cast<STREAM_PART>(part), m_plain, reason);
+    m_failed_outside = m_data != nullptr && !m_data->write(m_facts.images.size() - 1,
+                                                           static_cast<STREAM_PART>(part), m_plain, reason);
+    return !m_failed_outside;
 }
 
 bool STREAM_WALK::finish_image(std::string& reason)
@@ -364,10 +373,10 @@ bool read_configuration_stream(const BYTE_SOURCE& bytes, bool whole, STREAM_FACT
     facts = {};
     STREAM_WALK walk(bytes, facts, data);
     std::string reason;
-    if (!walk.run(whole, reason)) {
-        message =
-            "the configuration stream is damaged at offset " + std::to_string(walk.offset()) + ": " + reason;
-        return false;
-    }
-    return true;
+    if (walk.run(whole, reason))
+        return true;
+    message = walk.failed_outside() ? reason
+                                    : "The configuration stream is damaged at offset " +
+                                          std::to_string(walk.offset()) + ": " + reason + ".";
+    return false;
 }
