@@ -20,9 +20,10 @@ enum class DEV_RELEASE : std::uint8_t {
 struct DEV_FLASH_SECTOR {
     std::uint32_t start = 0;
     std::uint32_t size = 0;
+    bool operator==(const DEV_FLASH_SECTOR&) const = default;
 };
 
-/// A read-only record of the device database. The group that does not concern a device's class is at zero.
+/// A read-only record of the device database. What does not concern a device is at zero.
 struct PGM_DEVICE {
     std::string name;
     std::string code; ///< short internal code, "kv3" for the device that takes a single bitstream
@@ -46,7 +47,7 @@ struct PGM_DEVICE {
     std::uint32_t missing_modes =
         0; ///< modes of the family that this device has no pins for, bit n for mode n
 
-    // Flash devices.
+    // Flash devices, and the on-chip flash of an FPGA.
     std::uint64_t flash_bytes = 0;  ///< capacity
     std::uint32_t sector_bytes = 0; ///< smallest block that is erased by itself
     std::uint32_t page_bytes = 0;   ///< largest block that is written at once
@@ -56,6 +57,10 @@ struct PGM_DEVICE {
     std::uint32_t address_width =
         0;                      ///< bits of an address: 24 or 32 on a serial bus, the pins of a parallel one
     bool sized_in_bits = false; ///< the name gives the capacity in bits
+    bool flash_loader = false;  ///< a flash loader can write it through an FPGA
+    bool tsu_tessel = false;    ///< one of the special devices of DEV_FAMILY_SPECIAL_FLASH
+
+    bool operator==(const PGM_DEVICE&) const = default;
 
     bool is_dev_not_listed() const { return release == DEV_RELEASE::WITHDRAWN; }
     bool is_dev_no_pof() const { return jtag_only; }
