@@ -10,7 +10,7 @@
 /// What an XML file of ours may be at most. The sizes bound the memory that a hostile file can take.
 struct XML_LIMITS {
     std::uint64_t file_size = 64U * 1024 * 1024; ///< bytes
-    std::size_t markup_length = 1024 * 1024;     ///< bytes from one "<" to the next
+    std::size_t markup_length = 8 * 1024 * 1024; ///< bytes from one "<" to the next
     std::size_t value_length = 16 * 1024;        ///< bytes of an attribute or of a text, in UTF-8
     std::size_t depth = 16;                      ///< elements within each other
 };
