@@ -1,0 +1,4 @@
+extern "C" int sample_answer()
+{
+    return 42;
+}
