@@ -5,9 +5,12 @@
 #include <QMetaObject>
 
 #include <string>
+#include <utility>
 
 namespace
 {
+NIVO_CONNECT_WATCHER connect_watcher;
+
 /// SIGNAL() and SLOT() put a digit for the kind in front and, in debug builds, the place behind a zero byte.
 std::string readable(const char* member)
 {
@@ -32,11 +35,19 @@ const char* class_name(const QObject* object)
 }
 } // namespace
 
+void nivo_set_connect_watcher(NIVO_CONNECT_WATCHER watcher)
+{
+    connect_watcher = std::move(watcher);
+}
+
 void nivo_safe_connect(const QObject* sender, const char* signal, const QObject* receiver, const char* slot,
                        Qt::ConnectionType type, const char* file, int line)
 {
     const bool is_complete = sender != nullptr && signal != nullptr && receiver != nullptr && slot != nullptr;
     if (is_complete && QObject::connect(sender, signal, receiver, slot, type)) {
+        if (connect_watcher) {
+            connect_watcher(sender, readable(signal).c_str(), receiver, readable(slot).c_str());
+        }
         return;
     }
     // A unique connection that stands already is refused like a wrong name, so the names are looked up.

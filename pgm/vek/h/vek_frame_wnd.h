@@ -87,6 +87,8 @@ signals:
     void mode_changed(PGMIO_CONFIG_SCHEME mode, bool changed);
 
 private:
+    friend struct VEK_FRAME_WND_PROBE; ///< by which the tests see document and cache
+
     static std::shared_ptr<PGM_COMMON_XML_VEK_VEK> create_document();
     void create_menus();
     void create_file_menu();
