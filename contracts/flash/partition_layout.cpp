@@ -22,10 +22,7 @@ std::uint64_t saturating_add(std::uint64_t a, std::uint64_t b)
 /// The bytes from the start of a partition that have to lie within it.
 std::uint64_t needed_size(const PARTITION_REQUEST& request)
 {
-    if (request.content_size == 0 && request.content_offset == 0) {
-        return request.extra_space;
-    }
-    return saturating_add(saturating_add(request.content_offset, request.content_size), request.extra_space);
+    return saturating_add(request.content_size, request.extra_space);
 }
 
 class LAYOUT

@@ -23,10 +23,9 @@ struct PARTITION_REQUEST {
     std::string name;
     std::string start;                ///< "auto" or hexadecimal
     std::string end;                  ///< "auto" or hexadecimal, the last byte included
-    std::uint64_t content_size = 0;   ///< bytes of the assigned input
+    std::uint64_t content_size = 0;   ///< bytes from the start to behind the last one in use
     std::uint64_t minimum_size = 0;   ///< bytes that an automatic end covers even when the content is smaller
     std::uint64_t extra_space = 0;    ///< bytes to be kept free behind the content
-    std::uint64_t content_offset = 0; ///< bytes between the start of the partition and its content
     bool has_page = false;
     unsigned page = 0;
 };

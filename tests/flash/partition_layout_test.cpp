@@ -94,13 +94,6 @@ TEST(partition_layout, a_partition_without_content_takes_one_sector_or_its_minim
     EXPECT_EQ(range(place({sized}), 0), "0x00000000 to 0x0001FFFF");
 }
 
-TEST(partition_layout, content_may_begin_behind_the_start_of_its_partition)
-{
-    PARTITION_REQUEST shifted = request("P1", "0x0", "auto", 1);
-    shifted.content_offset = SECTOR;
-    EXPECT_EQ(range(place({shifted}), 0), "0x00000000 to 0x0001FFFF");
-}
-
 TEST(partition_layout, no_partitions_make_an_empty_layout)
 {
     const RESULT result = place({});

@@ -1,0 +1,224 @@
+#include "check.h"
+#include "partition_layout.h"
+#include "pgm_common_xml_descriptor.h"
+#include "vek_db.h"
+
+#include <algorithm>
+#include <set>
+
+namespace
+{
+
+/// The attribute by which findings name an element, as its descriptor says.
+std::string id_of(const PGM_COMMON_XML_ELEMENT& element, const PGM_COMMON_XML_ELEMENT_DESCRIPTOR& descriptor)
+{
+    return descriptor.key == PGM_COMMON_XML_NO_KEY ? "" : pgm_common_xml_read(element, descriptor.key);
+}
+
+std::string words_text(std::span<const PGM_COMMON_XML_ENUM> words)
+{
+    std::string text;
+    for (const PGM_COMMON_XML_ENUM word : words) {
+        text += (text.empty() ? "" : ", ") + std::string(PGM_COMMON_XML_ENUM_STRING[word]);
+    }
+    return text;
+}
+
+bool is_bool(std::string text)
+{
+    constexpr const char* WORDS[] = {"1", "0", "on", "off", "true", "false"};
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    return std::find(std::begin(WORDS), std::end(WORDS), text) != std::end(WORDS);
+}
+
+/// Empty when the value is legal, else what is wanted. Addresses are the business of the layout.
+std::string wanted_value(const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& attribute, const std::string& value)
+{
+    std::uint64_t number = 0;
+    if (value.empty()) {
+        return "";
+    }
+    if (attribute.type == PGM_XML_TYPE_DECIMAL && (!parse_decimal(value, number) || number > 0xFFFFFFFF)) {
+        return "a decimal number below 4294967296";
+    }
+    if (attribute.type == PGM_XML_TYPE_BOOL && !is_bool(value)) {
+        return "1 or 0";
+    }
+    if (attribute.type == PGM_XML_TYPE_WORD &&
+        std::none_of(attribute.words.begin(), attribute.words.end(),
+                     [&](PGM_COMMON_XML_ENUM word) { return value == PGM_COMMON_XML_ENUM_STRING[word]; })) {
+        return "one of " + words_text(attribute.words);
+    }
+    return "";
+}
+
+class STRUCTURE_CHECK
+{
+public:
+    STRUCTURE_CHECK(const SETUP_VIEW& setup, FINDINGS& findings) : m_setup(setup), m_findings(findings) {}
+
+    void run()
+    {
+        check_mode();
+        check_element(m_setup.document(), "");
+        check_ids("BITSTREAM", m_setup.bitstreams().all(), "bitstream");
+        check_ids("RAW_FILE", m_setup.raw_files().all(), "raw file");
+        check_ids("FLASH_DEVICE", m_setup.flash_devices().all(), "flash device");
+        check_ids("PARTITION", m_setup.partitions().all(), "partition");
+        check_input_ids();
+        check_output_types();
+        check_assignments();
+        check_output_references();
+    }
+
+private:
+    void check_mode()
+    {
+        const auto modes = VEK_DB_UTIL::get_enabled_config_modes();
+        if (std::find(modes.begin(), modes.end(), m_setup.mode()) == modes.end()) {
+            m_findings.add(FINDING_MODE_MISSING, "SETTINGS",
+                           "No configuration mode is set; choose one of " + modes_text(modes) + ".");
+        }
+    }
+
+    static std::string modes_text(const std::vector<PGMIO_CONFIG_SCHEME>& modes)
+    {
+        std::vector<PGM_COMMON_XML_ENUM> words;
+        for (const PGMIO_CONFIG_SCHEME mode : modes) {
+            words.push_back(VEK_DB::get_xml_enum(mode));
+        }
+        return words_text(words);
+    }
+
+    void check_element(const PGM_COMMON_XML_ELEMENT& element, const std::string& parent)
+    {
+        const PGM_COMMON_XML_ELEMENT_DESCRIPTOR* descriptor =
+            pgm_common_xml_vek_find_element(element.m_class_type);
+        if (descriptor == nullptr) {
+            return;
+        }
+        const std::string own =
+            element_label(PGM_COMMON_XML_ENUM_STRING[element.m_class_type], id_of(element, *descriptor));
+        // The groups say nothing that their children do not say.
+        const bool is_group = descriptor->attributes.empty() && descriptor->text_type == PGM_XML_TYPE_NONE;
+        const std::string label = parent.empty() ? own : parent + " / " + own;
+        int index = 0;
+        for (const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& attribute : descriptor->attributes) {
+            const std::string& value = pgm_common_xml_read(element, index++);
+            const std::string wanted = wanted_value(attribute, value);
+            if (!wanted.empty()) {
+                m_findings.add(FINDING_VALUE_ILLEGAL, label,
+                               "The attribute \"" + std::string(attribute.name) + "\" is \"" + value +
+                                   "\"; it must be " + wanted + ".");
+            }
+        }
+        for (const PGM_COMMON_XML_ELEMENT* child : element.m_childs) {
+            check_element(*child, is_group || parent.empty() ? "" : label);
+        }
+    }
+
+    template <class ELEMENT>
+    void check_ids(const char* name, const std::vector<const ELEMENT*>& elements, const char* words)
+    {
+        std::set<std::string> seen;
+        for (const ELEMENT* element : elements) {
+            if (element->id.empty()) {
+                m_findings.add(FINDING_ID_MISSING, name,
+                               "A " + std::string(words) + " has no id; give it one.");
+            } else if (!seen.insert(element->id).second) {
+                m_findings.add(FINDING_ID_DUPLICATE, element_label(name, element->id),
+                               "Two elements have this id; rename one " + std::string(words) + ".");
+            }
+        }
+    }
+
+    /// Bitstreams and raw files share their ids: an assignment names them in one way.
+    void check_input_ids()
+    {
+        for (const PGM_COMMON_XML_VEK_RAW_FILE* raw_file : m_setup.raw_files().all()) {
+            if (!raw_file->id.empty() && m_setup.bitstreams().find(raw_file->id) != nullptr) {
+                m_findings.add(FINDING_ID_DUPLICATE, element_label("RAW_FILE", raw_file->id),
+                               "A bitstream has this id too; rename one of them.");
+            }
+        }
+    }
+
+    void check_output_types()
+    {
+        std::set<std::string> types;
+        for (const PGM_COMMON_XML_VEK_OUTPUT_FILE* output : m_setup.output_files()) {
+            if (!types.insert(output->type).second) {
+                m_findings.add(FINDING_OUTPUT_DUPLICATE, output_label(*output),
+                               "The setup has two output files of this type; remove one.");
+            }
+            std::set<std::string> secondary_types;
+            for (const PGM_COMMON_XML_VEK_SECONDARY_FILE* secondary : output->secondary_file) {
+                if (!secondary_types.insert(secondary->type).second) {
+                    m_findings.add(FINDING_OUTPUT_DUPLICATE,
+                                   output_label(*output) + " / " +
+                                       element_label("SECONDARY_FILE", secondary->type),
+                                   "The output has two secondary files of this type; remove one.");
+                }
+            }
+        }
+    }
+
+    void unresolved(const std::string& label, const char* words, const std::string& id)
+    {
+        m_findings.add(FINDING_REFERENCE_UNRESOLVED, label,
+                       "The setup has no " + std::string(words) + " \"" + id +
+                           "\"; correct the id or remove the reference.");
+    }
+
+    void check_assignments()
+    {
+        std::set<std::string> seen;
+        for (const PGM_COMMON_XML_VEK_ASSIGNMENT* assignment : m_setup.assignments().all()) {
+            const std::string label = element_label("ASSIGNMENT", assignment->partition_id);
+            if (!seen.insert(assignment->partition_id).second) {
+                m_findings.add(FINDING_ASSIGNMENT_DUPLICATE, label,
+                               "Two assignments are for this partition; remove one.");
+            }
+            if (m_setup.partitions().find(assignment->partition_id) == nullptr) {
+                unresolved(label, "partition", assignment->partition_id);
+            }
+            for (const PGM_COMMON_XML_VEK_BITSTREAM_ID* id : assignment->bitstream_id) {
+                if (m_setup.bitstreams().find(id->text) == nullptr) {
+                    unresolved(label, "bitstream", id->text);
+                }
+            }
+            for (const PGM_COMMON_XML_VEK_RAW_FILE_ID* id : assignment->raw_file_id) {
+                if (m_setup.raw_files().find(id->text) == nullptr) {
+                    unresolved(label, "raw file", id->text);
+                }
+            }
+        }
+    }
+
+    void check_output_references()
+    {
+        for (const PGM_COMMON_XML_VEK_OUTPUT_FILE* output : m_setup.output_files()) {
+            for (const PGM_COMMON_XML_VEK_BITSTREAM_ID* id : output->bitstream_id) {
+                if (m_setup.bitstreams().find(id->text) == nullptr) {
+                    unresolved(output_label(*output), "bitstream", id->text);
+                }
+            }
+            for (const PGM_COMMON_XML_VEK_FLASH_DEVICE_ID* id : output->flash_device_id) {
+                if (m_setup.flash_devices().find(id->text) == nullptr) {
+                    unresolved(output_label(*output), "flash device", id->text);
+                }
+            }
+        }
+    }
+
+    const SETUP_VIEW& m_setup;
+    FINDINGS& m_findings;
+};
+
+} // namespace
+
+void check_structure(const SETUP_VIEW& setup, FINDINGS& findings)
+{
+    STRUCTURE_CHECK(setup, findings).run();
+}

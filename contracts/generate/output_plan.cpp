@@ -1,0 +1,105 @@
+#include "output_plan.h"
+
+#include "finding.h"
+#include "partition_layout.h"
+#include "vek_db.h"
+#include "vek_file_assistant.h"
+
+namespace
+{
+
+/// The group that an output stands in, as its flags say.
+VEK_FILE_TYPE group_of(const PGM_COMMON_XML_VEK_OUTPUT_FILE& output)
+{
+    if (VEK_FILE_ASSISTANT::convert_string_to_bool(output.cvp)) {
+        return VEK_CVP_GROUP_FILE_TYPE;
+    }
+    return VEK_FILE_ASSISTANT::convert_string_to_bool(output.hps) ? VEK_HPS_GROUP_FILE_TYPE
+                                                                  : VEK_INVALID_FILE_TYPE;
+}
+
+std::string extension_of(VEK_FILE_TYPE type)
+{
+    return fio_get_extension_string(VEK_DB::get_fio_ext_enum(type));
+}
+
+void finish(OUTPUT_PLAN& plan, const std::string& directory_override)
+{
+    plan.directory = absolute_path(directory_override.empty() ? plan.output->directory : directory_override);
+    plan.path = plan.directory + (plan.directory.ends_with('/') ? "" : "/") + plan.file_name;
+}
+
+OUTPUT_PLAN primary_plan(const PGM_COMMON_XML_VEK_OUTPUT_FILE& output, VEK_FILE_TYPE type)
+{
+    OUTPUT_PLAN plan;
+    plan.output = &output;
+    plan.type = type;
+    plan.label = output_label(output);
+    plan.name = output.name;
+    plan.options = output.file_options.empty() ? nullptr : output.file_options.front();
+    const VEK_FILE_TYPE group = group_of(output);
+    plan.file_name = output.name + VEK_DB::get_file_name_suffix(type) +
+                     (group == VEK_INVALID_FILE_TYPE ? "" : VEK_DB::get_child_file_name_suffix(group)) +
+                     extension_of(type);
+    return plan;
+}
+
+OUTPUT_PLAN secondary_plan(const OUTPUT_PLAN& parent, const PGM_COMMON_XML_VEK_SECONDARY_FILE& secondary,
+                           VEK_FILE_TYPE type)
+{
+    OUTPUT_PLAN plan;
+    plan.output = parent.output;
+    plan.secondary = &secondary;
+    plan.type = type;
+    plan.label = parent.label + " / " + element_label("SECONDARY_FILE", secondary.type);
+    plan.name = secondary.name;
+    plan.options = secondary.file_options.empty() ? nullptr : secondary.file_options.front();
+    plan.file_name = secondary.name + VEK_DB::get_file_name_suffix(parent.type) +
+                     VEK_DB::get_child_file_name_suffix(parent.type) + extension_of(type);
+    return plan;
+}
+
+} // namespace
+
+std::vector<OUTPUT_PLAN> plan_outputs(const SETUP_VIEW& setup, const std::string& directory_override)
+{
+    std::vector<OUTPUT_PLAN> plans;
+    for (const PGM_COMMON_XML_VEK_OUTPUT_FILE* output : setup.output_files()) {
+        const VEK_FILE_TYPE type = output_type_of(output->type);
+        if (type == VEK_INVALID_FILE_TYPE) {
+            continue;
+        }
+        plans.push_back(primary_plan(*output, type));
+        const OUTPUT_PLAN parent = plans.back();
+        for (const PGM_COMMON_XML_VEK_SECONDARY_FILE* secondary : output->secondary_file) {
+            const VEK_FILE_TYPE secondary_type = output_type_of(secondary->type);
+            if (secondary_type != VEK_INVALID_FILE_TYPE) {
+                plans.push_back(secondary_plan(parent, *secondary, secondary_type));
+            }
+        }
+    }
+    for (OUTPUT_PLAN& plan : plans) {
+        finish(plan, directory_override);
+    }
+    return plans;
+}
+
+std::string output_label(const PGM_COMMON_XML_VEK_OUTPUT_FILE& output)
+{
+    return element_label("OUTPUT_FILE", output.type);
+}
+
+void apply_file_options(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request)
+{
+    if (plan.options == nullptr) {
+        return;
+    }
+    std::uint64_t address = 0;
+    if (parse_address(plan.options->s_addr, address)) {
+        request.start_address = static_cast<std::uint32_t>(address);
+    }
+    request.count_down =
+        VEK_FILE_ASSISTANT::convert_string_to_xml_enum(plan.options->direction) == PGM_COMMON_XML_ENUM_DOWN;
+    request.bitswap = VEK_FILE_ASSISTANT::convert_string_to_bool(plan.options->bitswap);
+    request.use_relative = VEK_FILE_ASSISTANT::convert_string_to_bool(plan.options->use_relative);
+}

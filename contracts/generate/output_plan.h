@@ -1,0 +1,34 @@
+#ifndef OUTPUT_PLAN_H
+#define OUTPUT_PLAN_H
+
+#include "format.h"
+#include "setup_view.h"
+
+#include <string>
+#include <vector>
+
+/// One file that the setup asks for.
+struct OUTPUT_PLAN {
+    const PGM_COMMON_XML_VEK_OUTPUT_FILE* output = nullptr;       ///< itself, or the output it belongs to
+    const PGM_COMMON_XML_VEK_SECONDARY_FILE* secondary = nullptr; ///< null for an output file itself
+    VEK_FILE_TYPE type = VEK_INVALID_FILE_TYPE;
+    std::string label;                                        ///< OUTPUT_FILE "POF" / SECONDARY_FILE "MAP"
+    std::string name;                                         ///< as the setup stores it
+    std::string directory;                                    ///< absolute
+    std::string file_name;                                    ///< with suffixes and extension
+    std::string path;                                         ///< directory and file name
+    const PGM_COMMON_XML_VEK_FILE_OPTIONS* options = nullptr; ///< null when there are none
+};
+
+/// The files of a setup in document order, each output before its secondary files. Outputs whose type is no
+/// output type are left out; the structure check names them. `directory_override` replaces the directories of
+/// the setup unless it is empty.
+std::vector<OUTPUT_PLAN> plan_outputs(const SETUP_VIEW& setup, const std::string& directory_override);
+
+/// The label of an output file element in findings.
+std::string output_label(const PGM_COMMON_XML_VEK_OUTPUT_FILE& output);
+
+/// Carries the options of the output over to a request. The addresses have passed the check.
+void apply_file_options(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request);
+
+#endif

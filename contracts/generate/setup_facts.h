@@ -1,0 +1,30 @@
+#ifndef SETUP_FACTS_H
+#define SETUP_FACTS_H
+
+#include "setup_view.h"
+#include "stream_input.h"
+
+#include <vector>
+
+struct PGM_DEVICE;
+
+/// What the files of a setup say beyond the document.
+struct SETUP_FACTS {
+    DEV_FAMILY_ENUM family = DEV_FAMILY_NONE;
+    const PGM_DEVICE* device = nullptr; ///< of the first bitstream that can be read; null when there is none
+    /// The mode of the settings; for on-chip flash the scheme of the first bitstream, which tells a single
+    /// image from dual ones.
+    PGMIO_CONFIG_SCHEME mode = PGMIO_CONFIG_SCHEME_ILLEGAL;
+};
+
+/// Reads headers of bitstreams until one answers. The family is that of the bitstreams, else the one that the
+/// on-chip flash device, the flash loader, or the mode implies.
+SETUP_FACTS find_setup_facts(const SETUP_VIEW& setup);
+
+/// The files of a bitstream, as the stream builder takes them.
+std::vector<STREAM_INPUT> stream_inputs(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream);
+
+/// The names of the files without directories, joined by ", ".
+std::string input_names(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream);
+
+#endif
