@@ -101,9 +101,12 @@ __attribute__((target("avx2"))) void swap_avx2(const std::uint8_t* from, std::ui
         }
         _mm_sfence();
     }
-    for (; i + 32 <= size; i += 32) {
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(to + i),
-                            swapped_avx2(from + i, low_table, high_table));
+    for (; i + 64 <= size; i += 64) {
+        auto* const place = reinterpret_cast<__m256i*>(to + i);
+        const __m256i first = swapped_avx2(from + i, low_table, high_table);
+        const __m256i second = swapped_avx2(from + i + 32, low_table, high_table);
+        _mm256_storeu_si256(place, first);
+        _mm256_storeu_si256(place + 1, second);
     }
     swap_rest(from, to, i, size);
 }
