@@ -59,6 +59,9 @@ void MODAL_ANSWERS::run(std::function<void(QDialog&)> answer)
 void MODAL_ANSWERS::look()
 {
     QDialog* const dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    if (dialog == nullptr) {
+        m_last = nullptr;
+    }
     if (dialog == nullptr || dialog == m_last || !dialog->isVisible() ||
         qobject_cast<NIVO_BUSY_DLG*>(dialog) != nullptr) {
         return;
