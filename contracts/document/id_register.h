@@ -6,31 +6,27 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <unordered_set>
+#include <vector>
 
-/// The ids met so far in a pass over a document, by what they are unique among.
+/// The ids met so far in a pass over a document, by what they are unique among. The elements must stay as
+/// they are during the pass.
 class ID_REGISTER
 {
 public:
     /// False with a part of a sentence in `problem` when the element's id has been met before.
     bool add(const PGM_COMMON_XML_ELEMENT_DESCRIPTOR& descriptor, const PGM_COMMON_XML_ELEMENT& element,
-             std::string& problem)
-    {
-        if (descriptor.unique.empty()) {
-            return true;
-        }
-        const std::string& id = pgm_common_xml_read(element, descriptor.key);
-        if (m_ids[descriptor.unique].insert(id).second) {
-            return true;
-        }
-        problem = std::string(descriptor.attributes[static_cast<std::size_t>(descriptor.key)].name) + " \"" +
-                  id + "\" of " + PGM_COMMON_XML_ENUM_STRING[descriptor.kind] + " stands in another " +
-                  std::string(descriptor.unique) + " already; each needs its own";
-        return false;
-    }
+             std::string& problem);
 
 private:
-    std::map<std::string_view, std::unordered_set<std::string>> m_ids;
+    /// Open addressing, at most half full: a node for each of many thousand ids would cost more than reading
+    /// them.
+    struct TABLE {
+        std::vector<std::string_view> slots;
+        std::size_t used = 0;
+        bool insert(std::string_view id);
+        void grow();
+    };
+    std::map<std::string_view, TABLE> m_ids;
 };
 
 #endif

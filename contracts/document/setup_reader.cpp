@@ -80,16 +80,16 @@ public:
         if (!element) {
             return false;
         }
-        m_open.push_back({descriptor, element, {}});
+        m_open.push_back({descriptor, element});
         return take_attributes(*descriptor, *element, attributes, refusal) &&
                m_ids.add(*descriptor, *element, refusal);
     }
 
     bool text(std::string_view text, std::string& refusal) override
     {
-        OPEN_ELEMENT& open = m_open.back();
+        const OPEN_ELEMENT& open = m_open.back();
         if (open.descriptor->text_type != PGM_XML_TYPE_NONE) {
-            open.text += text;
+            open.element->append_string(text);
             return true;
         }
         if (!is_blank(text)) {
@@ -101,15 +101,12 @@ public:
 
     bool end_element(std::string& refusal) override
     {
-        OPEN_ELEMENT& open = m_open.back();
-        if (open.descriptor->text_type != PGM_XML_TYPE_NONE) {
-            if (open.descriptor->key == PGM_COMMON_XML_TEXT && open.text.empty()) {
-                refusal = tag_of(*open.descriptor) + " is empty; expected is the " +
-                          (open.descriptor->text_type == PGM_XML_TYPE_ID ? "id that it refers to"
-                                                                         : "path of a file");
-                return false;
-            }
-            open.element->write_string(open.text);
+        const OPEN_ELEMENT& open = m_open.back();
+        if (open.descriptor->key == PGM_COMMON_XML_TEXT && open.element->read_string().empty()) {
+            refusal =
+                tag_of(*open.descriptor) + " is empty; expected is the " +
+                (open.descriptor->text_type == PGM_XML_TYPE_ID ? "id that it refers to" : "path of a file");
+            return false;
         }
         pgm_common_xml_complete(*open.element);
         m_open.pop_back();
@@ -122,7 +119,6 @@ private:
     struct OPEN_ELEMENT {
         const DESCRIPTOR* descriptor;
         ELEMENT* element;
-        std::string text;
     };
 
     ELEMENT* open_root(std::string_view name, const DESCRIPTOR* descriptor, std::string& refusal)
@@ -184,22 +180,26 @@ private:
                       tag_of(descriptor) + ", which is a secret; remove it";
             return false;
         }
-        std::string value(text);
-        std::string expected;
-        if (!normalise_value(row, value, expected)) {
-            refusal = "the attribute " + std::string(row.name) + " of " + tag_of(descriptor) + " is " +
-                      quote(text) + ", expected is " + expected;
-            return false;
+        if (row.type == PGM_XML_TYPE_BOOL || row.type == PGM_XML_TYPE_WORD) {
+            std::string value(text);
+            std::string expected;
+            if (!normalise_value(row, value, expected)) {
+                refusal = "the attribute " + std::string(row.name) + " of " + tag_of(descriptor) + " is " +
+                          quote(text) + ", expected is " + expected;
+                return false;
+            }
+            pgm_common_xml_write(element, index, value);
+            return true;
         }
-        if (row.type == PGM_XML_TYPE_KEY_NAME && looks_like_key(value)) {
+        if (row.type == PGM_XML_TYPE_KEY_NAME && looks_like_key(text)) {
             refusal = "the attribute " + std::string(row.name) + " of " + tag_of(descriptor) +
                       " looks like a key; expected is the name of a key in a key file";
             return false;
         }
-        if (descriptor.kind == PGM_COMMON_XML_ENUM_VEK && !check_version(value, refusal)) {
+        if (descriptor.kind == PGM_COMMON_XML_ENUM_VEK && !check_version(std::string(text), refusal)) {
             return false;
         }
-        pgm_common_xml_write(element, index, value);
+        pgm_common_xml_write(element, index, text);
         return true;
     }
 

@@ -70,7 +70,15 @@ std::size_t sequence_length(std::string_view text, char32_t& point)
 
 void append_utf8(std::string& target, const char16_t* units, std::size_t count)
 {
-    for (std::size_t index = 0; index < count; ++index) {
+    // Nearly all text is ASCII, which is copied without a look at each unit's neighbour.
+    const std::size_t size = target.size();
+    target.resize(size + count);
+    std::size_t index = 0;
+    for (; index < count && units[index] < 0x80; ++index) {
+        target[size + index] = static_cast<char>(units[index]);
+    }
+    target.resize(size + index);
+    for (; index < count; ++index) {
         const char16_t unit = units[index];
         if (unit < 0x80) {
             target.push_back(static_cast<char>(unit));

@@ -196,6 +196,11 @@ void PGM_COMMON_XML_ELEMENT::write_string(std::string_view text)
     (m_ptr ? *static_cast<std::string*>(m_ptr) : m_value).assign(text);
 }
 
+void PGM_COMMON_XML_ELEMENT::append_string(std::string_view text)
+{
+    (m_ptr ? *static_cast<std::string*>(m_ptr) : m_value).append(text);
+}
+
 void PGM_COMMON_XML_ELEMENT::init_check() const
 {
     VEK_ASSERT_TEXT(
@@ -206,8 +211,8 @@ void PGM_COMMON_XML_ELEMENT::init_check() const
     for (auto info = m_attribute_infos.begin(); info != m_attribute_infos.end(); ++info) {
         const auto twin = std::find_if(m_attribute_infos.begin(), info,
                                        [info](const auto& other) { return other.m_name == info->m_name; });
-        VEK_ASSERT_TEXT(twin == info,
-                        element_text(m_sub_class_type) + " has two attributes \"" + info->m_name + "\"");
+        VEK_ASSERT_TEXT(twin == info, element_text(m_sub_class_type) + " has two attributes \"" +
+                                          std::string(info->m_name) + "\"");
     }
 }
 

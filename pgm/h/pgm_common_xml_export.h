@@ -33,7 +33,8 @@ enum PGM_XML_EXIST : std::uint8_t {
 };
 
 /// One attribute of an element. The text lives in the bound member of the element; only the three reserved
-/// attributes, which have none, keep it here.
+/// attributes, which have none, keep it here. Name, default and second text are views, since each element of
+/// a document has the same: they must outlive the record, as literals do.
 class PGM_COMMON_XML_ATTRIBUTE_INFO
 {
 public:
@@ -50,10 +51,10 @@ public:
     /// Overwrites the memory of a text that was a secret and empties it.
     static void wipe(std::string& secret);
 
-    std::string m_name;
+    std::string_view m_name;
     std::string m_value;
-    std::string m_default_value; ///< stands for the text of an absent attribute
-    std::string m_second_text;
+    std::string_view m_default_value; ///< stands for the text of an absent attribute
+    std::string_view m_second_text;
     std::uint8_t m_type;
     std::uint8_t m_exist;
     void* m_ptr;
@@ -110,6 +111,7 @@ public:
     /// The text content.
     const std::string& read_string() const;
     void write_string(std::string_view text);
+    void append_string(std::string_view text);
 
     /// To be run once at the end of each constructor. Internal errors: `Element "%s" lacks the reserved
     /// attributes`, `Element "%s" has two attributes "%s"`.
@@ -123,8 +125,8 @@ public:
     PGM_COMMON_XML_ENUM m_class_type;
     PGM_COMMON_XML_ENUM m_sub_class_type; ///< the name under which the element stands in its parent
     std::string m_value;                  ///< the text content of an element without a bound member
-    std::string m_default_value;
-    std::string m_second_text;
+    std::string_view m_default_value;
+    std::string_view m_second_text;
     std::uint8_t m_type;
     std::uint8_t m_exist;
     void* m_ptr; ///< the std::string with the text content
