@@ -129,7 +129,7 @@ bool HEX_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, 
     };
 
     IMAGE_COMPARE compare(*request.image);
-    std::vector<std::uint8_t> decoded(WINDOW);
+    std::vector<std::uint8_t> decoded(static_cast<std::size_t>(std::clamp<std::uint64_t>(size, 256, WINDOW)));
     std::size_t filled = 0;
     std::uint64_t done = 0; // bytes compared
     const auto compare_decoded = [&] {

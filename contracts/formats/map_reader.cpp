@@ -92,7 +92,10 @@ public:
         while (!m_rest.empty())
             if (!region())
                 return false;
-        return true;
+        if (m_used == m_widths)
+            return true;
+        m_message = "The columns of the table are wider than what stands in them.";
+        return false;
     }
 
 private:
@@ -163,8 +166,11 @@ private:
             return refuse("the table has not its " + std::to_string(COLUMNS) + " columns.");
         m_line = titles;
         std::vector<std::string_view> fields;
-        if (!split(fields) || !std::equal(fields.begin(), fields.end(), std::begin(TITLES)))
+        if (!split(fields) || !std::equal(fields.begin(), fields.end(), std::begin(TITLES))) {
+            --m_number;
             return refuse("the titles of the columns are not those of a flash map.");
+        }
+        note_widths(fields);
         return true;
     }
 
@@ -195,6 +201,16 @@ private:
         return rest.empty();
     }
 
+    void note_widths(const std::vector<std::string_view>& fields)
+    {
+        m_used.resize(COLUMNS);
+        for (std::size_t i = 0; i != COLUMNS; ++i)
+            m_used[i] =
+                std::max(m_used[i],
+                         static_cast<std::size_t>(std::count_if(fields[i].begin(), fields[i].end(),
+                                                                [](char c) { return (c & 0xC0) != 0x80; })));
+    }
+
     bool region()
     {
         std::vector<std::string_view> fields;
@@ -202,6 +218,7 @@ private:
             return false;
         if (!split(fields))
             return refuse("the values do not stand in their columns.");
+        note_widths(fields);
         const std::optional<std::string> name = unescaped(fields[0]);
         const std::optional<std::uint64_t> start = address(fields[1]);
         const std::optional<std::uint64_t> end = address(fields[2]);
@@ -223,7 +240,8 @@ private:
     std::string_view m_rest;
     std::string_view m_line;
     std::size_t m_number = 0;
-    std::vector<std::size_t> m_widths;
+    std::vector<std::size_t> m_widths; ///< as the underlines give them
+    std::vector<std::size_t> m_used;   ///< as the values take them
     FLASH_MAP& m_map;
     std::string& m_message;
 };
