@@ -22,19 +22,14 @@ std::string scheme_help()
     return "Configuration scheme that the data is for: " + joined_scheme_words();
 }
 
-bool parse_scheme_argument(const std::string& word, std::string& scheme, std::string& message)
+bool is_scheme_argument(const std::string& word, std::string& message)
 {
-    scheme.clear();
-    if (word.empty()) {
+    PGMIO_CONFIG_SCHEME scheme = PGMIO_CONFIG_SCHEME_ILLEGAL;
+    if (word.empty() || scheme_from_word(word, scheme)) {
         return true;
     }
-    PGMIO_CONFIG_SCHEME value = PGMIO_CONFIG_SCHEME_ILLEGAL;
-    if (!find_scheme(word, value)) {
-        message = "\"" + word + "\" is no configuration scheme; use one of " + joined_scheme_words() + ".";
-        return false;
-    }
-    scheme = std::to_string(value);
-    return true;
+    message = "\"" + word + "\" is no configuration scheme; use one of " + joined_scheme_words() + ".";
+    return false;
 }
 
 EXIT_CODE failure_code(const std::string& message, const std::string& output_path)

@@ -8,9 +8,8 @@
 /// Help text of the option --scheme.
 std::string scheme_help();
 
-/// Turns the word behind --scheme into the number that the bitstream room takes; an empty word stays empty.
-/// False with a sentence that lists the words.
-bool parse_scheme_argument(const std::string& word, std::string& scheme, std::string& message);
+/// Whether the word behind --scheme is one, or empty. False with a sentence that lists the words.
+bool is_scheme_argument(const std::string& word, std::string& message);
 
 /// Whose fault a failure is: messages about a file begin with its path, so one that begins with the output's
 /// path means that the output could not be written, and any other that an input could not be used.

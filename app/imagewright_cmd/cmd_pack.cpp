@@ -24,7 +24,12 @@ public:
             ->required();
         command->add_option("--periphery", m_request.periphery_path, "Raw image of the periphery")
             ->type_name("FILE");
-        command->add_option("--scheme", m_scheme, scheme_help())->type_name("WORD");
+        command->add_option("--firmware", m_request.firmware_path, "Firmware of the device's own processor")
+            ->type_name("FILE");
+        command
+            ->add_option("--bootloader", m_request.bootloader_path, "First program of the processor system")
+            ->type_name("FILE");
+        command->add_option("--scheme", m_request.scheme, scheme_help())->type_name("WORD");
         command->add_option("-o,--output", m_request.output_path, "Bitstream file to write (.sof)")
             ->type_name("FILE")
             ->required();
@@ -36,12 +41,13 @@ public:
     EXIT_CODE execute(const COMMAND_CONTEXT& context) override
     {
         std::string message;
-        if (!parse_scheme_argument(m_scheme, m_request.scheme, message)) {
+        if (!is_scheme_argument(m_request.scheme, message)) {
             context.fail(message);
             return EXIT_CODE_USAGE;
         }
         // Told apart here, because the exit code says which side is at fault.
-        for (const std::string& path : {m_request.core_path, m_request.periphery_path}) {
+        for (const std::string& path : {m_request.core_path, m_request.periphery_path,
+                                        m_request.firmware_path, m_request.bootloader_path}) {
             if (!path.empty() && FILE_SOURCE::open(path, message) == nullptr) {
                 context.fail(message);
                 return EXIT_CODE_INPUT_UNREADABLE;
@@ -62,7 +68,6 @@ public:
 
 private:
     PACK_REQUEST m_request;
-    std::string m_scheme;
 };
 
 } // namespace

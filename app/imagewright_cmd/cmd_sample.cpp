@@ -30,9 +30,8 @@ public:
 
     EXIT_CODE execute(const COMMAND_CONTEXT& context) override
     {
-        std::string scheme;
         std::string message;
-        if (!parse_scheme_argument(m_scheme, scheme, message)) {
+        if (!is_scheme_argument(m_scheme, message)) {
             context.fail(message);
             return EXIT_CODE_USAGE;
         }
@@ -41,7 +40,7 @@ public:
                          "\" is not in the device database; imagewright-cmd list devices shows what is.");
             return EXIT_CODE_USAGE;
         }
-        if (!write_sample_bitstream(m_device, m_seed, scheme, m_output, message)) {
+        if (!write_sample_bitstream(m_device, m_seed, m_scheme, m_output, message)) {
             context.fail(message);
             return failure_code(message, m_output);
         }

@@ -41,7 +41,7 @@ JSON element_json(const PGM_COMMON_XML_ELEMENT& element)
             continue;
         }
         const std::string name = lower_case(PGM_COMMON_XML_ENUM_STRING[child.kind]);
-        if (child.single) {
+        if (child.count != PGM_COMMON_XML_COUNT_ANY) {
             object[name] = element_json(*found.front());
             continue;
         }

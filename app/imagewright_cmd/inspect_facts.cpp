@@ -16,7 +16,8 @@ std::string digest_text(std::span<const std::uint8_t> digest)
 
 void add_scheme(JSON& document, const std::optional<std::uint32_t>& scheme)
 {
-    document["scheme"] = scheme ? scheme_word(static_cast<PGMIO_CONFIG_SCHEME>(*scheme)) : std::string("any");
+    document["scheme"] =
+        scheme_to_word(scheme ? static_cast<PGMIO_CONFIG_SCHEME>(*scheme) : PGMIO_CONFIG_SCHEME_ILLEGAL);
 }
 
 void add_option_block(JSON& document, std::uint32_t option_word, const DSET_OTI_DEV_OPTIONS_INFO& block)

@@ -1,0 +1,18 @@
+#include "setup_argument.h"
+
+#include "gfpdb_mgr.h"
+#include "setup_reader.h"
+#include "vek_file_assistant.h"
+
+bool open_setup(const std::string& path, std::unique_ptr<PGM_COMMON_XML_VEK_VEK>& document, std::string& message)
+{
+    if (!read_setup_file(path, document, message)) {
+        return false;
+    }
+    std::string directory;
+    if (!VEK_FILE_ASSISTANT::get_custom_db_dir(document.get(), directory) || directory.empty()) {
+        directory = GFPDB_MGR::get_custom_dir_from_ini();
+    }
+    GFPDB_MGR::set_db_custom_dir(directory);
+    return true;
+}

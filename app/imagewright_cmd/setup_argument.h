@@ -1,0 +1,13 @@
+#ifndef SETUP_ARGUMENT_H
+#define SETUP_ARGUMENT_H
+
+#include "pgm_common_xml_vek_auto_export.h"
+
+#include <memory>
+#include <string>
+
+/// Reads the setup that a command was given and brings the flash database into force that it names, or else the
+/// user's own. False with a whole sentence in `message`, which begins with the path.
+bool open_setup(const std::string& path, std::unique_ptr<PGM_COMMON_XML_VEK_VEK>& document, std::string& message);
+
+#endif
