@@ -6,7 +6,6 @@
 #include "pgm_common_xml_descriptor.h"
 
 #include <array>
-#include <initializer_list>
 
 namespace
 {
@@ -131,7 +130,8 @@ constexpr std::array<PGM_COMMON_XML_ENUM, 16> CCERT_TYPE_WORDS{
 };
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 1> VEK_ATTRIBUTES{{
-    {"version", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "0", {}},
+    {"version", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_VEK, &PGM_COMMON_XML_VEK_VEK::version>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 6> VEK_CHILDREN{{
@@ -150,8 +150,10 @@ constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 6> VEK_CHILDREN{{
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 2> SETTINGS_ATTRIBUTES{{
-    {"custom_db_dir", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"mode", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", MODE_WORDS},
+    {"custom_db_dir", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_SETTINGS, &PGM_COMMON_XML_VEK_SETTINGS::custom_db_dir>},
+    {"mode", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", MODE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_SETTINGS, &PGM_COMMON_XML_VEK_SETTINGS::mode>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 1> RAW_FILES_CHILDREN{{
@@ -160,9 +162,12 @@ constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 1> RAW_FILES_CHILDREN{{
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 3> RAW_FILE_ATTRIBUTES{{
-    {"bitswap", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"type", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", RAW_FILE_TYPE_WORDS},
-    {"id", PGM_XML_TYPE_ID, PGM_XML_EXIST_REQUIRED, "", {}},
+    {"bitswap", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_RAW_FILE, &PGM_COMMON_XML_VEK_RAW_FILE::bitswap>},
+    {"type", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", RAW_FILE_TYPE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_RAW_FILE, &PGM_COMMON_XML_VEK_RAW_FILE::type>},
+    {"id", PGM_XML_TYPE_ID, PGM_XML_EXIST_REQUIRED, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_RAW_FILE, &PGM_COMMON_XML_VEK_RAW_FILE::id>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 1> ASSIGNMENTS_CHILDREN{{
@@ -171,8 +176,10 @@ constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 1> ASSIGNMENTS_CHILDREN{{
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 2> ASSIGNMENT_ATTRIBUTES{{
-    {"page", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"partition_id", PGM_XML_TYPE_ID, PGM_XML_EXIST_REQUIRED, "", {}},
+    {"page", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_ASSIGNMENT, &PGM_COMMON_XML_VEK_ASSIGNMENT::page>},
+    {"partition_id", PGM_XML_TYPE_ID, PGM_XML_EXIST_REQUIRED, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_ASSIGNMENT, &PGM_COMMON_XML_VEK_ASSIGNMENT::partition_id>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 2> ASSIGNMENT_CHILDREN{{
@@ -183,12 +190,15 @@ constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 2> ASSIGNMENT_CHILDREN{{
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 2> RAW_FILE_ID_ATTRIBUTES{{
-    {"addr_mode", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", ADDR_MODE_WORDS},
-    {"addr_offset", PGM_XML_TYPE_ADDRESS, PGM_XML_EXIST_OPTIONAL, "", {}},
+    {"addr_mode", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", ADDR_MODE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_RAW_FILE_ID, &PGM_COMMON_XML_VEK_RAW_FILE_ID::addr_mode>},
+    {"addr_offset", PGM_XML_TYPE_ADDRESS, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_RAW_FILE_ID, &PGM_COMMON_XML_VEK_RAW_FILE_ID::addr_offset>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 1> BITSTREAM_ID_ATTRIBUTES{{
-    {"section", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", SECTION_WORDS},
+    {"section", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", SECTION_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_BITSTREAM_ID, &PGM_COMMON_XML_VEK_BITSTREAM_ID::section>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 1> BITSTREAMS_CHILDREN{{
@@ -197,7 +207,8 @@ constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 1> BITSTREAMS_CHILDREN{{
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 1> BITSTREAM_ATTRIBUTES{{
-    {"id", PGM_XML_TYPE_ID, PGM_XML_EXIST_REQUIRED, "", {}},
+    {"id", PGM_XML_TYPE_ID, PGM_XML_EXIST_REQUIRED, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_BITSTREAM, &PGM_COMMON_XML_VEK_BITSTREAM::id>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 1> BITSTREAM_CHILDREN{{
@@ -206,49 +217,92 @@ constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 1> BITSTREAM_CHILDREN{{
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 43> PATH_ATTRIBUTES{{
-    {"key_storage", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"signing", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "OFF", SWITCH_WORDS},
-    {"ekp_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"security_opt_no_otp_key", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS},
-    {"key2", PGM_XML_TYPE_KEY_NAME, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"key1", PGM_XML_TYPE_KEY_NAME, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"key_file2", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"finalize_encryption_later", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"enhanced_compression", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"non_volatile_key", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"security_opt_lock_battery_key", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS},
-    {"security_opt_no_jtag_key", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS},
-    {"security_opt_no_battery_key", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS},
-    {"smsf_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"finalize_encryption", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"password", PGM_XML_TYPE_SECRET, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"security_opt_no_jtag", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS},
-    {"rsu_version", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"compression", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"encryption", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"elk_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"sign_later", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"rsu_upgrade", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"rsu_boot_info", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"decryption_during_pr", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"security_opt_no_config", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS},
-    {"app_image_hps_path", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"security_opt_no_pr", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS},
-    {"security_opt_epof_only", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS},
-    {"security_opt_secure", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", LASTING_FUSE_WORDS},
-    {"app_image_only", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"aek_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"app_image", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"security_opt_no_jtag_ext", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS},
-    {"decompression_during_pr", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"signing_pem_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"firmware_only", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"hps_path", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"security_opt_no_hps_jtag", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS},
-    {"key_file1", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"fw_source", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"skc_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"seu_recovery", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
+    {"key_storage", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::key_storage>},
+    {"signing", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "OFF", SWITCH_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::signing>},
+    {"ekp_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::ekp_file>},
+    {"security_opt_no_otp_key", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::security_opt_no_otp_key>},
+    {"key2", PGM_XML_TYPE_KEY_NAME, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::key2>},
+    {"key1", PGM_XML_TYPE_KEY_NAME, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::key1>},
+    {"key_file2", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::key_file2>},
+    {"finalize_encryption_later", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::finalize_encryption_later>},
+    {"enhanced_compression", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::enhanced_compression>},
+    {"non_volatile_key", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::non_volatile_key>},
+    {"security_opt_lock_battery_key", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::security_opt_lock_battery_key>},
+    {"security_opt_no_jtag_key", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::security_opt_no_jtag_key>},
+    {"security_opt_no_battery_key", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::security_opt_no_battery_key>},
+    {"smsf_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::smsf_file>},
+    {"finalize_encryption", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::finalize_encryption>},
+    {"password", PGM_XML_TYPE_SECRET, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::password>},
+    {"security_opt_no_jtag", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::security_opt_no_jtag>},
+    {"rsu_version", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::rsu_version>},
+    {"compression", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::compression>},
+    {"encryption", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::encryption>},
+    {"elk_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::elk_file>},
+    {"sign_later", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::sign_later>},
+    {"rsu_upgrade", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::rsu_upgrade>},
+    {"rsu_boot_info", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::rsu_boot_info>},
+    {"decryption_during_pr", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::decryption_during_pr>},
+    {"security_opt_no_config", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::security_opt_no_config>},
+    {"app_image_hps_path", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::app_image_hps_path>},
+    {"security_opt_no_pr", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::security_opt_no_pr>},
+    {"security_opt_epof_only", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::security_opt_epof_only>},
+    {"security_opt_secure", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", LASTING_FUSE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::security_opt_secure>},
+    {"app_image_only", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::app_image_only>},
+    {"aek_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::aek_file>},
+    {"app_image", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::app_image>},
+    {"security_opt_no_jtag_ext", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::security_opt_no_jtag_ext>},
+    {"decompression_during_pr", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::decompression_during_pr>},
+    {"signing_pem_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::signing_pem_file>},
+    {"firmware_only", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::firmware_only>},
+    {"hps_path", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::hps_path>},
+    {"security_opt_no_hps_jtag", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "0", FUSE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::security_opt_no_hps_jtag>},
+    {"key_file1", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::key_file1>},
+    {"fw_source", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::fw_source>},
+    {"skc_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::skc_file>},
+    {"seu_recovery", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PATH, &PGM_COMMON_XML_VEK_PATH::seu_recovery>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 2> FLASH_DEVICES_CHILDREN{{
@@ -259,24 +313,42 @@ constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 2> FLASH_DEVICES_CHILDREN{
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 18> FLASH_DEVICE_ATTRIBUTES{{
-    {"watchdog_value", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"enable_encrypted_pof_only", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"enable_jtag_security", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"enable_test", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"ufm_source_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"enable_verify_protect", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"ufm_source", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"chip_select", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"force_ssmclk_to_use_ismclk", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "1", {}},
-    {"config_from_cfm0_only", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"isp_source", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"enable_spi_mode", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"enable_user_ios_weak_pullup", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "1", {}},
-    {"power_on_scheme", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"disable_test", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "1", {}},
-    {"fallback_address", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"type", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"id", PGM_XML_TYPE_ID, PGM_XML_EXIST_REQUIRED, "", {}},
+    {"watchdog_value", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::watchdog_value>},
+    {"enable_encrypted_pof_only", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::enable_encrypted_pof_only>},
+    {"enable_jtag_security", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::enable_jtag_security>},
+    {"enable_test", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::enable_test>},
+    {"ufm_source_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::ufm_source_file>},
+    {"enable_verify_protect", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::enable_verify_protect>},
+    {"ufm_source", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::ufm_source>},
+    {"chip_select", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::chip_select>},
+    {"force_ssmclk_to_use_ismclk", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "1", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::force_ssmclk_to_use_ismclk>},
+    {"config_from_cfm0_only", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::config_from_cfm0_only>},
+    {"isp_source", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::isp_source>},
+    {"enable_spi_mode", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::enable_spi_mode>},
+    {"enable_user_ios_weak_pullup", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "1", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::enable_user_ios_weak_pullup>},
+    {"power_on_scheme", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::power_on_scheme>},
+    {"disable_test", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "1", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::disable_test>},
+    {"fallback_address", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::fallback_address>},
+    {"type", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::type>},
+    {"id", PGM_XML_TYPE_ID, PGM_XML_EXIST_REQUIRED, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FLASH_DEVICE, &PGM_COMMON_XML_VEK_FLASH_DEVICE::id>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 2> FLASH_DEVICE_CHILDREN{{
@@ -287,21 +359,33 @@ constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 2> FLASH_DEVICE_CHILDREN{{
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 8> PARTITION_ATTRIBUTES{{
-    {"reserved", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"extra_space", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"fixed_s_addr", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"s_addr", PGM_XML_TYPE_ADDRESS, PGM_XML_EXIST_OPTIONAL, "auto", {}},
-    {"e_addr", PGM_XML_TYPE_ADDRESS, PGM_XML_EXIST_OPTIONAL, "auto", {}},
-    {"fixed_e_addr", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"id", PGM_XML_TYPE_ID, PGM_XML_EXIST_REQUIRED, "", {}},
-    {"size", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "0", {}},
+    {"reserved", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PARTITION, &PGM_COMMON_XML_VEK_PARTITION::reserved>},
+    {"extra_space", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PARTITION, &PGM_COMMON_XML_VEK_PARTITION::extra_space>},
+    {"fixed_s_addr", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PARTITION, &PGM_COMMON_XML_VEK_PARTITION::fixed_s_addr>},
+    {"s_addr", PGM_XML_TYPE_ADDRESS, PGM_XML_EXIST_OPTIONAL, "auto", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PARTITION, &PGM_COMMON_XML_VEK_PARTITION::s_addr>},
+    {"e_addr", PGM_XML_TYPE_ADDRESS, PGM_XML_EXIST_OPTIONAL, "auto", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PARTITION, &PGM_COMMON_XML_VEK_PARTITION::e_addr>},
+    {"fixed_e_addr", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PARTITION, &PGM_COMMON_XML_VEK_PARTITION::fixed_e_addr>},
+    {"id", PGM_XML_TYPE_ID, PGM_XML_EXIST_REQUIRED, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PARTITION, &PGM_COMMON_XML_VEK_PARTITION::id>},
+    {"size", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PARTITION, &PGM_COMMON_XML_VEK_PARTITION::size>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 4> MBR_ATTRIBUTES{{
-    {"e_addr", PGM_XML_TYPE_ADDRESS, PGM_XML_EXIST_OPTIONAL, "auto", {}},
-    {"type", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"id", PGM_XML_TYPE_ID, PGM_XML_EXIST_REQUIRED, "", {}},
-    {"s_addr", PGM_XML_TYPE_ADDRESS, PGM_XML_EXIST_OPTIONAL, "auto", {}},
+    {"e_addr", PGM_XML_TYPE_ADDRESS, PGM_XML_EXIST_OPTIONAL, "auto", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_MBR, &PGM_COMMON_XML_VEK_MBR::e_addr>},
+    {"type", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_MBR, &PGM_COMMON_XML_VEK_MBR::type>},
+    {"id", PGM_XML_TYPE_ID, PGM_XML_EXIST_REQUIRED, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_MBR, &PGM_COMMON_XML_VEK_MBR::id>},
+    {"s_addr", PGM_XML_TYPE_ADDRESS, PGM_XML_EXIST_OPTIONAL, "auto", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_MBR, &PGM_COMMON_XML_VEK_MBR::s_addr>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 1> MBR_CHILDREN{{
@@ -315,15 +399,24 @@ constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 1> OUTPUT_FILES_CHILDREN{{
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 9> OUTPUT_FILE_ATTRIBUTES{{
-    {"allow_device_state", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", DEVICE_STATE_WORDS},
-    {"name", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"subtype", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"hps", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"rsu_boot", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"cvp", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"device", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"directory", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"type", PGM_XML_TYPE_WORD, PGM_XML_EXIST_REQUIRED, "", OUTPUT_TYPE_WORDS},
+    {"allow_device_state", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", DEVICE_STATE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_OUTPUT_FILE, &PGM_COMMON_XML_VEK_OUTPUT_FILE::allow_device_state>},
+    {"name", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_OUTPUT_FILE, &PGM_COMMON_XML_VEK_OUTPUT_FILE::name>},
+    {"subtype", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_OUTPUT_FILE, &PGM_COMMON_XML_VEK_OUTPUT_FILE::subtype>},
+    {"hps", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_OUTPUT_FILE, &PGM_COMMON_XML_VEK_OUTPUT_FILE::hps>},
+    {"rsu_boot", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_OUTPUT_FILE, &PGM_COMMON_XML_VEK_OUTPUT_FILE::rsu_boot>},
+    {"cvp", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_OUTPUT_FILE, &PGM_COMMON_XML_VEK_OUTPUT_FILE::cvp>},
+    {"device", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_OUTPUT_FILE, &PGM_COMMON_XML_VEK_OUTPUT_FILE::device>},
+    {"directory", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_OUTPUT_FILE, &PGM_COMMON_XML_VEK_OUTPUT_FILE::directory>},
+    {"type", PGM_XML_TYPE_WORD, PGM_XML_EXIST_REQUIRED, "", OUTPUT_TYPE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_OUTPUT_FILE, &PGM_COMMON_XML_VEK_OUTPUT_FILE::type>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 6> OUTPUT_FILE_CHILDREN{{
@@ -342,20 +435,31 @@ constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 6> OUTPUT_FILE_CHILDREN{{
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 9> PROVISION_OPTIONS_ATTRIBUTES{{
-    {"key_storage", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"skc_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"ccert_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"fuse_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"non_volatile_key", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"fw_source", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"aek_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"service_root_key", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"password", PGM_XML_TYPE_SECRET, PGM_XML_EXIST_OPTIONAL, "", {}},
+    {"key_storage", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PROVISION_OPTIONS, &PGM_COMMON_XML_VEK_PROVISION_OPTIONS::key_storage>},
+    {"skc_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PROVISION_OPTIONS, &PGM_COMMON_XML_VEK_PROVISION_OPTIONS::skc_file>},
+    {"ccert_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PROVISION_OPTIONS, &PGM_COMMON_XML_VEK_PROVISION_OPTIONS::ccert_file>},
+    {"fuse_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PROVISION_OPTIONS, &PGM_COMMON_XML_VEK_PROVISION_OPTIONS::fuse_file>},
+    {"non_volatile_key", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PROVISION_OPTIONS, &PGM_COMMON_XML_VEK_PROVISION_OPTIONS::non_volatile_key>},
+    {"fw_source", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PROVISION_OPTIONS, &PGM_COMMON_XML_VEK_PROVISION_OPTIONS::fw_source>},
+    {"aek_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PROVISION_OPTIONS, &PGM_COMMON_XML_VEK_PROVISION_OPTIONS::aek_file>},
+    {"service_root_key", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PROVISION_OPTIONS, &PGM_COMMON_XML_VEK_PROVISION_OPTIONS::service_root_key>},
+    {"password", PGM_XML_TYPE_SECRET, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_PROVISION_OPTIONS, &PGM_COMMON_XML_VEK_PROVISION_OPTIONS::password>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 2> SECONDARY_FILE_ATTRIBUTES{{
-    {"type", PGM_XML_TYPE_WORD, PGM_XML_EXIST_REQUIRED, "", OUTPUT_TYPE_WORDS},
-    {"name", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {}},
+    {"type", PGM_XML_TYPE_WORD, PGM_XML_EXIST_REQUIRED, "", OUTPUT_TYPE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_SECONDARY_FILE, &PGM_COMMON_XML_VEK_SECONDARY_FILE::type>},
+    {"name", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_SECONDARY_FILE, &PGM_COMMON_XML_VEK_SECONDARY_FILE::name>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 1> SECONDARY_FILE_CHILDREN{{
@@ -364,24 +468,39 @@ constexpr std::array<PGM_COMMON_XML_CHILD_DESCRIPTOR, 1> SECONDARY_FILE_CHILDREN
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 7> FILE_OPTIONS_ATTRIBUTES{{
-    {"use_relative", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"direction", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "UP", DIRECTION_WORDS},
-    {"bitswap", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {}},
-    {"s_addr", PGM_XML_TYPE_ADDRESS, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"frequency", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"voltage", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "3_3V", VOLTAGE_WORDS},
-    {"operation", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "P", OPERATION_WORDS},
+    {"use_relative", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FILE_OPTIONS, &PGM_COMMON_XML_VEK_FILE_OPTIONS::use_relative>},
+    {"direction", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "UP", DIRECTION_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FILE_OPTIONS, &PGM_COMMON_XML_VEK_FILE_OPTIONS::direction>},
+    {"bitswap", PGM_XML_TYPE_BOOL, PGM_XML_EXIST_OPTIONAL, "0", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FILE_OPTIONS, &PGM_COMMON_XML_VEK_FILE_OPTIONS::bitswap>},
+    {"s_addr", PGM_XML_TYPE_ADDRESS, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FILE_OPTIONS, &PGM_COMMON_XML_VEK_FILE_OPTIONS::s_addr>},
+    {"frequency", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FILE_OPTIONS, &PGM_COMMON_XML_VEK_FILE_OPTIONS::frequency>},
+    {"voltage", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "3_3V", VOLTAGE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FILE_OPTIONS, &PGM_COMMON_XML_VEK_FILE_OPTIONS::voltage>},
+    {"operation", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "P", OPERATION_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_FILE_OPTIONS, &PGM_COMMON_XML_VEK_FILE_OPTIONS::operation>},
 }};
 
 constexpr std::array<PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR, 8> CCERT_OPTIONS_ATTRIBUTES{{
-    {"signing_skc_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"counter_value", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"cancel_key", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"signing_pem_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"iv", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"aek_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {}},
-    {"ccert_type", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", CCERT_TYPE_WORDS},
-    {"password", PGM_XML_TYPE_SECRET, PGM_XML_EXIST_OPTIONAL, "", {}},
+    {"signing_skc_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_CCERT_OPTIONS, &PGM_COMMON_XML_VEK_CCERT_OPTIONS::signing_skc_file>},
+    {"counter_value", PGM_XML_TYPE_DECIMAL, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_CCERT_OPTIONS, &PGM_COMMON_XML_VEK_CCERT_OPTIONS::counter_value>},
+    {"cancel_key", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_CCERT_OPTIONS, &PGM_COMMON_XML_VEK_CCERT_OPTIONS::cancel_key>},
+    {"signing_pem_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_CCERT_OPTIONS, &PGM_COMMON_XML_VEK_CCERT_OPTIONS::signing_pem_file>},
+    {"iv", PGM_XML_TYPE_TEXT, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_CCERT_OPTIONS, &PGM_COMMON_XML_VEK_CCERT_OPTIONS::iv>},
+    {"aek_file", PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_CCERT_OPTIONS, &PGM_COMMON_XML_VEK_CCERT_OPTIONS::aek_file>},
+    {"ccert_type", PGM_XML_TYPE_WORD, PGM_XML_EXIST_OPTIONAL, "", CCERT_TYPE_WORDS,
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_CCERT_OPTIONS, &PGM_COMMON_XML_VEK_CCERT_OPTIONS::ccert_type>},
+    {"password", PGM_XML_TYPE_SECRET, PGM_XML_EXIST_OPTIONAL, "", {},
+     &pgm_common_xml_member<PGM_COMMON_XML_VEK_CCERT_OPTIONS, &PGM_COMMON_XML_VEK_CCERT_OPTIONS::password>},
 }};
 
 template <typename CLASS> std::unique_ptr<PGM_COMMON_XML_ELEMENT> create()
@@ -394,85 +513,74 @@ std::unique_ptr<PGM_COMMON_XML_ELEMENT> create_root()
     return std::make_unique<PGM_COMMON_XML_VEK_VEK>(PGM_COMMON_XML_ENUM_VEK);
 }
 
-void bind_attributes(PGM_COMMON_XML_ELEMENT& element, std::span<const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR> attributes,
-                     std::initializer_list<std::string*> members)
-{
-    element.m_attribute_infos.reserve(element.m_attribute_infos.size() + attributes.size());
-    const auto* member = members.begin();
-    for (const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& attribute : attributes) {
-        element.m_attribute_infos.emplace_back(attribute.name, attribute.type, attribute.exist,
-                                               attribute.default_value, std::string_view(), *member++);
-    }
-}
-
 constexpr std::array<PGM_COMMON_XML_ELEMENT_DESCRIPTOR, 23> ELEMENTS{{
-    {PGM_COMMON_XML_ENUM_BITSTREAM, PGM_XML_TYPE_NONE, 0,
+    {PGM_COMMON_XML_ENUM_BITSTREAM, "BITSTREAM", PGM_XML_TYPE_NONE, 0,
      "input", BITSTREAM_ATTRIBUTES, BITSTREAM_CHILDREN,
      &create<PGM_COMMON_XML_VEK_BITSTREAM>},
-    {PGM_COMMON_XML_ENUM_SETTINGS, PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
+    {PGM_COMMON_XML_ENUM_SETTINGS, "SETTINGS", PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
      "", SETTINGS_ATTRIBUTES, {},
      &create<PGM_COMMON_XML_VEK_SETTINGS>},
-    {PGM_COMMON_XML_ENUM_RAW_FILES, PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
+    {PGM_COMMON_XML_ENUM_RAW_FILES, "RAW_FILES", PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
      "", {}, RAW_FILES_CHILDREN,
      &create<PGM_COMMON_XML_VEK_RAW_FILES>},
-    {PGM_COMMON_XML_ENUM_RAW_FILE, PGM_XML_TYPE_PATH, 2,
+    {PGM_COMMON_XML_ENUM_RAW_FILE, "RAW_FILE", PGM_XML_TYPE_PATH, 2,
      "input", RAW_FILE_ATTRIBUTES, {},
      &create<PGM_COMMON_XML_VEK_RAW_FILE>},
-    {PGM_COMMON_XML_ENUM_ASSIGNMENTS, PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
+    {PGM_COMMON_XML_ENUM_ASSIGNMENTS, "ASSIGNMENTS", PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
      "", {}, ASSIGNMENTS_CHILDREN,
      &create<PGM_COMMON_XML_VEK_ASSIGNMENTS>},
-    {PGM_COMMON_XML_ENUM_ASSIGNMENT, PGM_XML_TYPE_NONE, 1,
+    {PGM_COMMON_XML_ENUM_ASSIGNMENT, "ASSIGNMENT", PGM_XML_TYPE_NONE, 1,
      "assignment", ASSIGNMENT_ATTRIBUTES, ASSIGNMENT_CHILDREN,
      &create<PGM_COMMON_XML_VEK_ASSIGNMENT>},
-    {PGM_COMMON_XML_ENUM_RAW_FILE_ID, PGM_XML_TYPE_ID, PGM_COMMON_XML_TEXT,
+    {PGM_COMMON_XML_ENUM_RAW_FILE_ID, "RAW_FILE_ID", PGM_XML_TYPE_ID, PGM_COMMON_XML_TEXT,
      "", RAW_FILE_ID_ATTRIBUTES, {},
      &create<PGM_COMMON_XML_VEK_RAW_FILE_ID>},
-    {PGM_COMMON_XML_ENUM_BITSTREAM_ID, PGM_XML_TYPE_ID, PGM_COMMON_XML_TEXT,
+    {PGM_COMMON_XML_ENUM_BITSTREAM_ID, "BITSTREAM_ID", PGM_XML_TYPE_ID, PGM_COMMON_XML_TEXT,
      "", BITSTREAM_ID_ATTRIBUTES, {},
      &create<PGM_COMMON_XML_VEK_BITSTREAM_ID>},
-    {PGM_COMMON_XML_ENUM_BITSTREAMS, PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
+    {PGM_COMMON_XML_ENUM_BITSTREAMS, "BITSTREAMS", PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
      "", {}, BITSTREAMS_CHILDREN,
      &create<PGM_COMMON_XML_VEK_BITSTREAMS>},
-    {PGM_COMMON_XML_ENUM_PATH, PGM_XML_TYPE_PATH, PGM_COMMON_XML_TEXT,
+    {PGM_COMMON_XML_ENUM_PATH, "PATH", PGM_XML_TYPE_PATH, PGM_COMMON_XML_TEXT,
      "", PATH_ATTRIBUTES, {},
      &create<PGM_COMMON_XML_VEK_PATH>},
-    {PGM_COMMON_XML_ENUM_FLASH_DEVICES, PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
+    {PGM_COMMON_XML_ENUM_FLASH_DEVICES, "FLASH_DEVICES", PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
      "", {}, FLASH_DEVICES_CHILDREN,
      &create<PGM_COMMON_XML_VEK_FLASH_DEVICES>},
-    {PGM_COMMON_XML_ENUM_FLASH_LOADER, PGM_XML_TYPE_TEXT, PGM_COMMON_XML_NO_KEY,
+    {PGM_COMMON_XML_ENUM_FLASH_LOADER, "FLASH_LOADER", PGM_XML_TYPE_TEXT, PGM_COMMON_XML_NO_KEY,
      "", {}, {},
      &create<PGM_COMMON_XML_VEK_FLASH_LOADER>},
-    {PGM_COMMON_XML_ENUM_FLASH_DEVICE, PGM_XML_TYPE_NONE, 17,
+    {PGM_COMMON_XML_ENUM_FLASH_DEVICE, "FLASH_DEVICE", PGM_XML_TYPE_NONE, 17,
      "flash device", FLASH_DEVICE_ATTRIBUTES, FLASH_DEVICE_CHILDREN,
      &create<PGM_COMMON_XML_VEK_FLASH_DEVICE>},
-    {PGM_COMMON_XML_ENUM_PARTITION, PGM_XML_TYPE_NONE, 6,
+    {PGM_COMMON_XML_ENUM_PARTITION, "PARTITION", PGM_XML_TYPE_NONE, 6,
      "partition", PARTITION_ATTRIBUTES, {},
      &create<PGM_COMMON_XML_VEK_PARTITION>},
-    {PGM_COMMON_XML_ENUM_MBR, PGM_XML_TYPE_NONE, 2,
+    {PGM_COMMON_XML_ENUM_MBR, "MBR", PGM_XML_TYPE_NONE, 2,
      "MBR", MBR_ATTRIBUTES, MBR_CHILDREN,
      &create<PGM_COMMON_XML_VEK_MBR>},
-    {PGM_COMMON_XML_ENUM_OUTPUT_FILES, PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
+    {PGM_COMMON_XML_ENUM_OUTPUT_FILES, "OUTPUT_FILES", PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
      "", {}, OUTPUT_FILES_CHILDREN,
      &create<PGM_COMMON_XML_VEK_OUTPUT_FILES>},
-    {PGM_COMMON_XML_ENUM_OUTPUT_FILE, PGM_XML_TYPE_NONE, 8,
+    {PGM_COMMON_XML_ENUM_OUTPUT_FILE, "OUTPUT_FILE", PGM_XML_TYPE_NONE, 8,
      "", OUTPUT_FILE_ATTRIBUTES, OUTPUT_FILE_CHILDREN,
      &create<PGM_COMMON_XML_VEK_OUTPUT_FILE>},
-    {PGM_COMMON_XML_ENUM_PROVISION_OPTIONS, PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
+    {PGM_COMMON_XML_ENUM_PROVISION_OPTIONS, "PROVISION_OPTIONS", PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
      "", PROVISION_OPTIONS_ATTRIBUTES, {},
      &create<PGM_COMMON_XML_VEK_PROVISION_OPTIONS>},
-    {PGM_COMMON_XML_ENUM_SECONDARY_FILE, PGM_XML_TYPE_NONE, 0,
+    {PGM_COMMON_XML_ENUM_SECONDARY_FILE, "SECONDARY_FILE", PGM_XML_TYPE_NONE, 0,
      "", SECONDARY_FILE_ATTRIBUTES, SECONDARY_FILE_CHILDREN,
      &create<PGM_COMMON_XML_VEK_SECONDARY_FILE>},
-    {PGM_COMMON_XML_ENUM_FILE_OPTIONS, PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
+    {PGM_COMMON_XML_ENUM_FILE_OPTIONS, "FILE_OPTIONS", PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
      "", FILE_OPTIONS_ATTRIBUTES, {},
      &create<PGM_COMMON_XML_VEK_FILE_OPTIONS>},
-    {PGM_COMMON_XML_ENUM_CCERT_OPTIONS, PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
+    {PGM_COMMON_XML_ENUM_CCERT_OPTIONS, "CCERT_OPTIONS", PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
      "", CCERT_OPTIONS_ATTRIBUTES, {},
      &create<PGM_COMMON_XML_VEK_CCERT_OPTIONS>},
-    {PGM_COMMON_XML_ENUM_FLASH_DEVICE_ID, PGM_XML_TYPE_ID, PGM_COMMON_XML_TEXT,
+    {PGM_COMMON_XML_ENUM_FLASH_DEVICE_ID, "FLASH_DEVICE_ID", PGM_XML_TYPE_ID, PGM_COMMON_XML_TEXT,
      "", {}, {},
      &create<PGM_COMMON_XML_VEK_FLASH_DEVICE_ID>},
-    {PGM_COMMON_XML_ENUM_VEK, PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
+    {PGM_COMMON_XML_ENUM_VEK, "VEK", PGM_XML_TYPE_NONE, PGM_COMMON_XML_NO_KEY,
      "", VEK_ATTRIBUTES, VEK_CHILDREN,
      &create_root},
 }};
@@ -488,7 +596,7 @@ PGM_COMMON_XML_VEK_VEK::PGM_COMMON_XML_VEK_VEK(PGM_COMMON_XML_ENUM sub_class_typ
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_VEK, sub_class_type, PGM_XML_TYPE_NONE, PGM_XML_EXIST_REQUIRED, "", "",
                              nullptr)
 {
-    bind_attributes(*this, VEK_ATTRIBUTES, {&version});
+    m_attributes = VEK_ATTRIBUTES;
     init_check();
 }
 
@@ -547,7 +655,7 @@ PGM_COMMON_XML_VEK_SETTINGS::PGM_COMMON_XML_VEK_SETTINGS(PGM_COMMON_XML_ENUM sub
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_SETTINGS, sub_class_type, PGM_XML_TYPE_NONE, PGM_XML_EXIST_OPTIONAL, "", "",
                              nullptr)
 {
-    bind_attributes(*this, SETTINGS_ATTRIBUTES, {&custom_db_dir, &mode});
+    m_attributes = SETTINGS_ATTRIBUTES;
     init_check();
 }
 
@@ -604,7 +712,7 @@ PGM_COMMON_XML_VEK_RAW_FILE::PGM_COMMON_XML_VEK_RAW_FILE(PGM_COMMON_XML_ENUM sub
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_RAW_FILE, sub_class_type, PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", "",
                              &text)
 {
-    bind_attributes(*this, RAW_FILE_ATTRIBUTES, {&bitswap, &type, &id});
+    m_attributes = RAW_FILE_ATTRIBUTES;
     init_check();
 }
 
@@ -661,7 +769,7 @@ PGM_COMMON_XML_VEK_ASSIGNMENT::PGM_COMMON_XML_VEK_ASSIGNMENT(PGM_COMMON_XML_ENUM
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_ASSIGNMENT, sub_class_type, PGM_XML_TYPE_NONE, PGM_XML_EXIST_OPTIONAL, "", "",
                              nullptr)
 {
-    bind_attributes(*this, ASSIGNMENT_ATTRIBUTES, {&page, &partition_id});
+    m_attributes = ASSIGNMENT_ATTRIBUTES;
     init_check();
 }
 
@@ -699,7 +807,7 @@ PGM_COMMON_XML_VEK_RAW_FILE_ID::PGM_COMMON_XML_VEK_RAW_FILE_ID(PGM_COMMON_XML_EN
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_RAW_FILE_ID, sub_class_type, PGM_XML_TYPE_ID, PGM_XML_EXIST_OPTIONAL, "", "",
                              &text)
 {
-    bind_attributes(*this, RAW_FILE_ID_ATTRIBUTES, {&addr_mode, &addr_offset});
+    m_attributes = RAW_FILE_ID_ATTRIBUTES;
     init_check();
 }
 
@@ -724,7 +832,7 @@ PGM_COMMON_XML_VEK_BITSTREAM_ID::PGM_COMMON_XML_VEK_BITSTREAM_ID(PGM_COMMON_XML_
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_BITSTREAM_ID, sub_class_type, PGM_XML_TYPE_ID, PGM_XML_EXIST_OPTIONAL, "", "",
                              &text)
 {
-    bind_attributes(*this, BITSTREAM_ID_ATTRIBUTES, {&section});
+    m_attributes = BITSTREAM_ID_ATTRIBUTES;
     init_check();
 }
 
@@ -781,7 +889,7 @@ PGM_COMMON_XML_VEK_BITSTREAM::PGM_COMMON_XML_VEK_BITSTREAM(PGM_COMMON_XML_ENUM s
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_BITSTREAM, sub_class_type, PGM_XML_TYPE_NONE, PGM_XML_EXIST_OPTIONAL, "", "",
                              nullptr)
 {
-    bind_attributes(*this, BITSTREAM_ATTRIBUTES, {&id});
+    m_attributes = BITSTREAM_ATTRIBUTES;
     init_check();
 }
 
@@ -814,7 +922,7 @@ PGM_COMMON_XML_VEK_PATH::PGM_COMMON_XML_VEK_PATH(PGM_COMMON_XML_ENUM sub_class_t
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_PATH, sub_class_type, PGM_XML_TYPE_PATH, PGM_XML_EXIST_OPTIONAL, "", "",
                              &text)
 {
-    bind_attributes(*this, PATH_ATTRIBUTES, {&key_storage, &signing, &ekp_file, &security_opt_no_otp_key, &key2, &key1, &key_file2, &finalize_encryption_later, &enhanced_compression, &non_volatile_key, &security_opt_lock_battery_key, &security_opt_no_jtag_key, &security_opt_no_battery_key, &smsf_file, &finalize_encryption, &password, &security_opt_no_jtag, &rsu_version, &compression, &encryption, &elk_file, &sign_later, &rsu_upgrade, &rsu_boot_info, &decryption_during_pr, &security_opt_no_config, &app_image_hps_path, &security_opt_no_pr, &security_opt_epof_only, &security_opt_secure, &app_image_only, &aek_file, &app_image, &security_opt_no_jtag_ext, &decompression_during_pr, &signing_pem_file, &firmware_only, &hps_path, &security_opt_no_hps_jtag, &key_file1, &fw_source, &skc_file, &seu_recovery});
+    m_attributes = PATH_ATTRIBUTES;
     init_check();
 }
 
@@ -903,7 +1011,7 @@ PGM_COMMON_XML_VEK_FLASH_DEVICE::PGM_COMMON_XML_VEK_FLASH_DEVICE(PGM_COMMON_XML_
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_FLASH_DEVICE, sub_class_type, PGM_XML_TYPE_NONE, PGM_XML_EXIST_OPTIONAL, "", "",
                              nullptr)
 {
-    bind_attributes(*this, FLASH_DEVICE_ATTRIBUTES, {&watchdog_value, &enable_encrypted_pof_only, &enable_jtag_security, &enable_test, &ufm_source_file, &enable_verify_protect, &ufm_source, &chip_select, &force_ssmclk_to_use_ismclk, &config_from_cfm0_only, &isp_source, &enable_spi_mode, &enable_user_ios_weak_pullup, &power_on_scheme, &disable_test, &fallback_address, &type, &id});
+    m_attributes = FLASH_DEVICE_ATTRIBUTES;
     init_check();
 }
 
@@ -940,7 +1048,7 @@ PGM_COMMON_XML_VEK_PARTITION::PGM_COMMON_XML_VEK_PARTITION(PGM_COMMON_XML_ENUM s
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_PARTITION, sub_class_type, PGM_XML_TYPE_NONE, PGM_XML_EXIST_OPTIONAL, "", "",
                              nullptr)
 {
-    bind_attributes(*this, PARTITION_ATTRIBUTES, {&reserved, &extra_space, &fixed_s_addr, &s_addr, &e_addr, &fixed_e_addr, &id, &size});
+    m_attributes = PARTITION_ATTRIBUTES;
     init_check();
 }
 
@@ -965,7 +1073,7 @@ PGM_COMMON_XML_VEK_MBR::PGM_COMMON_XML_VEK_MBR(PGM_COMMON_XML_ENUM sub_class_typ
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_MBR, sub_class_type, PGM_XML_TYPE_NONE, PGM_XML_EXIST_OPTIONAL, "", "",
                              nullptr)
 {
-    bind_attributes(*this, MBR_ATTRIBUTES, {&e_addr, &type, &id, &s_addr});
+    m_attributes = MBR_ATTRIBUTES;
     init_check();
 }
 
@@ -1030,7 +1138,7 @@ PGM_COMMON_XML_VEK_OUTPUT_FILE::PGM_COMMON_XML_VEK_OUTPUT_FILE(PGM_COMMON_XML_EN
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_OUTPUT_FILE, sub_class_type, PGM_XML_TYPE_NONE, PGM_XML_EXIST_OPTIONAL, "", "",
                              nullptr)
 {
-    bind_attributes(*this, OUTPUT_FILE_ATTRIBUTES, {&allow_device_state, &name, &subtype, &hps, &rsu_boot, &cvp, &device, &directory, &type});
+    m_attributes = OUTPUT_FILE_ATTRIBUTES;
     init_check();
 }
 
@@ -1086,7 +1194,7 @@ PGM_COMMON_XML_VEK_PROVISION_OPTIONS::PGM_COMMON_XML_VEK_PROVISION_OPTIONS(PGM_C
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_PROVISION_OPTIONS, sub_class_type, PGM_XML_TYPE_NONE, PGM_XML_EXIST_OPTIONAL, "", "",
                              nullptr)
 {
-    bind_attributes(*this, PROVISION_OPTIONS_ATTRIBUTES, {&key_storage, &skc_file, &ccert_file, &fuse_file, &non_volatile_key, &fw_source, &aek_file, &service_root_key, &password});
+    m_attributes = PROVISION_OPTIONS_ATTRIBUTES;
     init_check();
 }
 
@@ -1114,7 +1222,7 @@ PGM_COMMON_XML_VEK_SECONDARY_FILE::PGM_COMMON_XML_VEK_SECONDARY_FILE(PGM_COMMON_
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_SECONDARY_FILE, sub_class_type, PGM_XML_TYPE_NONE, PGM_XML_EXIST_OPTIONAL, "", "",
                              nullptr)
 {
-    bind_attributes(*this, SECONDARY_FILE_ATTRIBUTES, {&type, &name});
+    m_attributes = SECONDARY_FILE_ATTRIBUTES;
     init_check();
 }
 
@@ -1148,7 +1256,7 @@ PGM_COMMON_XML_VEK_FILE_OPTIONS::PGM_COMMON_XML_VEK_FILE_OPTIONS(PGM_COMMON_XML_
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_FILE_OPTIONS, sub_class_type, PGM_XML_TYPE_NONE, PGM_XML_EXIST_OPTIONAL, "", "",
                              nullptr)
 {
-    bind_attributes(*this, FILE_OPTIONS_ATTRIBUTES, {&use_relative, &direction, &bitswap, &s_addr, &frequency, &voltage, &operation});
+    m_attributes = FILE_OPTIONS_ATTRIBUTES;
     init_check();
 }
 
@@ -1173,7 +1281,7 @@ PGM_COMMON_XML_VEK_CCERT_OPTIONS::PGM_COMMON_XML_VEK_CCERT_OPTIONS(PGM_COMMON_XM
     : PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM_CCERT_OPTIONS, sub_class_type, PGM_XML_TYPE_NONE, PGM_XML_EXIST_OPTIONAL, "", "",
                              nullptr)
 {
-    bind_attributes(*this, CCERT_OPTIONS_ATTRIBUTES, {&signing_skc_file, &counter_value, &cancel_key, &signing_pem_file, &iv, &aek_file, &ccert_type, &password});
+    m_attributes = CCERT_OPTIONS_ATTRIBUTES;
     init_check();
 }
 

@@ -243,8 +243,7 @@ def class_source(element):
            f"    : {XML}ELEMENT({xml_enum(element.name)}, sub_class_type, {text_type(element)}, {base_exist(element)}, \"\", \"\",",
            f"                             {pointer})", "{"]
     if attributes:
-        out.append(f"    bind_attributes(*this, {element.name}_ATTRIBUTES, {{"
-                   + ", ".join(f"&{attribute.member}" for attribute in attributes) + "});")
+        out.append(f"    m_attributes = {element.name}_ATTRIBUTES;")
     out += ["    init_check();", "}", ""]
     secrets = [attribute.member for attribute in attributes if attribute.type == "secret"]
     if secrets:
@@ -280,7 +279,8 @@ def attribute_table(element):
     for a in element.attributes:
         exist = "PGM_XML_EXIST_REQUIRED" if a.required else "PGM_XML_EXIST_OPTIONAL"
         words = f"{a.words}_WORDS" if a.words else "{}"
-        out.append(f"    {{{literal(a.member)}, PGM_XML_TYPE_{a.type.upper()}, {exist}, {literal(a.default)}, {words}}},")
+        out.append(f"    {{{literal(a.member)}, PGM_XML_TYPE_{a.type.upper()}, {exist}, {literal(a.default)}, {words},")
+        out.append(f"     &pgm_common_xml_member<{element.cls}, &{element.cls}::{a.member}>}},")
     return out + ["}};", ""]
 
 
@@ -294,7 +294,7 @@ def child_table(element):
 
 def write_elements(schema):
     out = [BANNER + '#include "pgm_common_xml_vek_auto_export.h"', "", '#include "msg_internal_error.h"',
-           '#include "pgm_common_xml_descriptor.h"', "", "#include <array>", "#include <initializer_list>", "",
+           '#include "pgm_common_xml_descriptor.h"', "", "#include <array>", "",
            "namespace", "{", ""]
     for name, words in schema.word_sets.items():
         out.append(f"constexpr std::array<{XML}ENUM, {len(words)}> {name}_WORDS{{")
@@ -308,22 +308,14 @@ def write_elements(schema):
     out += [f"template <typename CLASS> std::unique_ptr<{XML}ELEMENT> create()", "{",
             "    return std::make_unique<CLASS>();", "}", "",
             f"std::unique_ptr<{XML}ELEMENT> create_root()", "{",
-            f"    return std::make_unique<{XML}VEK_VEK>({xml_enum('VEK')});", "}", "",
-            f"void bind_attributes({XML}ELEMENT& element, std::span<const {XML}ATTRIBUTE_DESCRIPTOR> attributes,",
-            "                     std::initializer_list<std::string*> members)", "{",
-            "    element.m_attribute_infos.reserve(element.m_attribute_infos.size() + attributes.size());",
-            "    const auto* member = members.begin();",
-            f"    for (const {XML}ATTRIBUTE_DESCRIPTOR& attribute : attributes) {{",
-            "        element.m_attribute_infos.emplace_back(attribute.name, attribute.type, attribute.exist,",
-            "                                               attribute.default_value, std::string_view(), *member++);",
-            "    }", "}", ""]
+            f"    return std::make_unique<{XML}VEK_VEK>({xml_enum('VEK')});", "}", ""]
     ordered = sorted(schema.elements.values(), key=lambda element: element.value)
     out.append(f"constexpr std::array<{XML}ELEMENT_DESCRIPTOR, {len(ordered)}> ELEMENTS{{{{")
     for element in ordered:
         attributes = f"{element.name}_ATTRIBUTES" if element.attributes else "{}"
         children = f"{element.name}_CHILDREN" if element.children else "{}"
         create = "&create_root" if element.name == "VEK" else f"&create<{element.cls}>"
-        out.append(f"    {{{xml_enum(element.name)}, {text_type(element)}, {element.key_index()},")
+        out.append(f"    {{{xml_enum(element.name)}, {literal(element.name)}, {text_type(element)}, {element.key_index()},")
         out.append(f"     {literal(element.unique)}, {attributes}, {children},")
         out.append(f"     {create}}},")
     out += ["}};", "", "} // namespace", "",

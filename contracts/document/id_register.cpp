@@ -7,25 +7,25 @@ namespace
 
 constexpr std::size_t FIRST_SLOTS = 64;
 
+} // namespace
+
 /// The slot of the id, or the free one where it belongs.
-std::string_view& find_slot(std::vector<std::string_view>& slots, std::string_view id)
+ID_REGISTER::SLOT& ID_REGISTER::find_slot(std::vector<SLOT>& slots, const SLOT& wanted)
 {
     const std::size_t mask = slots.size() - 1;
-    std::size_t slot = std::hash<std::string_view>()(id) & mask;
-    while (!slots[slot].empty() && slots[slot] != id) {
+    std::size_t slot = wanted.hash & mask;
+    while (!slots[slot].id.empty() && (slots[slot].hash != wanted.hash || slots[slot].id != wanted.id)) {
         slot = (slot + 1) & mask;
     }
     return slots[slot];
 }
 
-} // namespace
-
 void ID_REGISTER::TABLE::grow()
 {
-    std::vector<std::string_view> wider(slots.empty() ? FIRST_SLOTS : 2 * slots.size());
-    for (const std::string_view id : slots) {
-        if (!id.empty()) {
-            find_slot(wider, id) = id;
+    std::vector<SLOT> wider(slots.empty() ? FIRST_SLOTS : 2 * slots.size());
+    for (const SLOT& slot : slots) {
+        if (!slot.id.empty()) {
+            find_slot(wider, slot) = slot;
         }
     }
     slots = std::move(wider);
@@ -36,11 +36,12 @@ bool ID_REGISTER::TABLE::insert(std::string_view id)
     if (2 * used >= slots.size()) {
         grow();
     }
-    std::string_view& slot = find_slot(slots, id);
-    if (!slot.empty()) {
+    const SLOT wanted{id, std::hash<std::string_view>()(id)};
+    SLOT& slot = find_slot(slots, wanted);
+    if (!slot.id.empty()) {
         return false;
     }
-    slot = id;
+    slot = wanted;
     ++used;
     return true;
 }

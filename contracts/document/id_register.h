@@ -20,12 +20,17 @@ public:
 private:
     /// Open addressing, at most half full: a node for each of many thousand ids would cost more than reading
     /// them.
+    struct SLOT {
+        std::string_view id; ///< empty: free
+        std::size_t hash = 0;
+    };
     struct TABLE {
-        std::vector<std::string_view> slots;
+        std::vector<SLOT> slots;
         std::size_t used = 0;
         bool insert(std::string_view id);
         void grow();
     };
+    static SLOT& find_slot(std::vector<SLOT>& slots, const SLOT& wanted);
     std::map<std::string_view, TABLE> m_ids;
 };
 

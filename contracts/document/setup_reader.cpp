@@ -74,7 +74,10 @@ public:
     bool start_element(std::string_view name, std::span<const XML_ATTRIBUTE> attributes,
                        std::string& refusal) override
     {
-        const DESCRIPTOR* descriptor = pgm_common_xml_vek_find_element(name);
+        // Elements of one kind follow each other in their thousands.
+        const DESCRIPTOR* descriptor =
+            m_last && m_last->tag == name ? m_last : pgm_common_xml_vek_find_element(name);
+        m_last = descriptor;
         ELEMENT* element =
             m_open.empty() ? open_root(name, descriptor, refusal) : open_child(name, descriptor, refusal);
         if (!element) {
@@ -218,6 +221,7 @@ private:
 
     std::unique_ptr<PGM_COMMON_XML_VEK_VEK> m_document;
     std::vector<OPEN_ELEMENT> m_open;
+    const DESCRIPTOR* m_last = nullptr;
     ID_REGISTER m_ids;
 };
 

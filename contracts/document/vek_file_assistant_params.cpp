@@ -111,7 +111,7 @@ public:
         for (auto& [param, text] : m_params) {
             const auto* attribute = find_attribute(pgm_common_xml_vek_param(param));
             if (attribute && attribute->type == PGM_XML_TYPE_SECRET) {
-                PGM_COMMON_XML_ATTRIBUTE_INFO::wipe(text);
+                pgm_common_xml_wipe(text);
             }
         }
     }

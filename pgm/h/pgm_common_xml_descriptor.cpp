@@ -35,7 +35,7 @@ const PGM_COMMON_XML_ELEMENT_DESCRIPTOR* pgm_common_xml_vek_find_element(PGM_COM
 const PGM_COMMON_XML_ELEMENT_DESCRIPTOR* pgm_common_xml_vek_find_element(std::string_view tag)
 {
     for (const PGM_COMMON_XML_ELEMENT_DESCRIPTOR& element : pgm_common_xml_vek_elements()) {
-        if (tag == PGM_COMMON_XML_ENUM_STRING[element.kind]) {
+        if (tag == element.tag) {
             return &element;
         }
     }
@@ -55,8 +55,8 @@ const std::string& pgm_common_xml_read(const PGM_COMMON_XML_ELEMENT& element, in
     if (attribute == PGM_COMMON_XML_TEXT) {
         return element.read_string();
     }
-    return element.m_attribute_infos[PGM_COMMON_XML_RESERVED_ATTRIBUTES + static_cast<std::size_t>(attribute)]
-        .text();
+    return element.m_attributes[static_cast<std::size_t>(attribute)].member(
+        const_cast<PGM_COMMON_XML_ELEMENT&>(element));
 }
 
 void pgm_common_xml_write(PGM_COMMON_XML_ELEMENT& element, int attribute, std::string_view text)
@@ -65,8 +65,13 @@ void pgm_common_xml_write(PGM_COMMON_XML_ELEMENT& element, int attribute, std::s
         element.write_string(text);
         return;
     }
-    element.m_attribute_infos[PGM_COMMON_XML_RESERVED_ATTRIBUTES + static_cast<std::size_t>(attribute)]
-        .set_text(text);
+    const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& row =
+        element.m_attributes[static_cast<std::size_t>(attribute)];
+    std::string& target = row.member(element);
+    if (row.type == PGM_XML_TYPE_SECRET) {
+        pgm_common_xml_wipe(target);
+    }
+    target.assign(text);
 }
 
 PGM_COMMON_XML_ELEMENT& pgm_common_xml_add_child(PGM_COMMON_XML_ELEMENT& parent, PGM_COMMON_XML_ENUM kind)

@@ -13,14 +13,6 @@
 /// The setup document as tables. The rows are generated from tools/document_schema.json together with the
 /// element classes; the assistant, the reader and the writer interpret them.
 
-struct PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR {
-    std::string_view name; ///< lower case, as in the file
-    PGM_XML_TYPE type;
-    PGM_XML_EXIST exist;
-    std::string_view default_value;
-    std::span<const PGM_COMMON_XML_ENUM> words; ///< what an attribute of type WORD may hold
-};
-
 enum PGM_COMMON_XML_COUNT : std::uint8_t {
     PGM_COMMON_XML_COUNT_ANY,
     PGM_COMMON_XML_COUNT_ONE,    ///< one at most
@@ -40,6 +32,7 @@ inline constexpr int PGM_COMMON_XML_NO_KEY = -2;
 
 struct PGM_COMMON_XML_ELEMENT_DESCRIPTOR {
     PGM_COMMON_XML_ENUM kind;
+    std::string_view tag;
     PGM_XML_TYPE text_type; ///< PGM_XML_TYPE_NONE: no text
     int key;                ///< the attribute that tells the element from its siblings: index, TEXT or NO_KEY
     std::string_view unique; ///< what the key occurs once among in a document; empty: only among its siblings
@@ -60,9 +53,6 @@ struct PGM_COMMON_XML_VEK_CMD_OPT_DESCRIPTOR {
     PGM_COMMON_XML_ENUM group; ///< INVALID for an element that hangs directly under the root
     PGM_COMMON_XML_ENUM element;
 };
-
-/// The reserved attributes stand before those of the descriptor in an element's list of attribute infos.
-inline constexpr std::size_t PGM_COMMON_XML_RESERVED_ATTRIBUTES = 3;
 
 /// Null for a row of the vocabulary that is no element.
 const PGM_COMMON_XML_ELEMENT_DESCRIPTOR* pgm_common_xml_vek_find_element(PGM_COMMON_XML_ENUM kind);
@@ -93,6 +83,13 @@ void pgm_common_xml_complete(PGM_COMMON_XML_ELEMENT& element);
 /// Takes a child out of its parent, which must be `parent`, wherever it stands.
 std::unique_ptr<PGM_COMMON_XML_ELEMENT> pgm_common_xml_take_child(PGM_COMMON_XML_ELEMENT& parent,
                                                                   PGM_COMMON_XML_ELEMENT& child);
+
+/// What the attribute rows hold in member.
+template <typename CLASS, std::string CLASS::*MEMBER>
+std::string& pgm_common_xml_member(PGM_COMMON_XML_ELEMENT& element)
+{
+    return static_cast<CLASS&>(element).*MEMBER;
+}
 
 /// What the descriptor rows hold in bring_to_end, for the vector `MEMBER` of the class `PARENT`.
 template <typename PARENT, auto MEMBER>

@@ -3,6 +3,7 @@
 #include "msg_internal_error.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 namespace
@@ -44,16 +45,7 @@ PGM_COMMON_XML_ATTRIBUTE_INFO::PGM_COMMON_XML_ATTRIBUTE_INFO(std::string_view na
     }
 }
 
-void PGM_COMMON_XML_ATTRIBUTE_INFO::set_text(std::string_view text)
-{
-    std::string& target = m_ptr ? *static_cast<std::string*>(m_ptr) : m_value;
-    if (m_type == PGM_XML_TYPE_SECRET) {
-        wipe(target);
-    }
-    target.assign(text);
-}
-
-void PGM_COMMON_XML_ATTRIBUTE_INFO::wipe(std::string& secret)
+void pgm_common_xml_wipe(std::string& secret)
 {
     secret.resize(secret.capacity());
     explicit_bzero(secret.data(), secret.size());
@@ -70,11 +62,6 @@ PGM_COMMON_XML_ELEMENT::PGM_COMMON_XML_ELEMENT(PGM_COMMON_XML_ENUM class_type,
     VEK_ASSERT(class_type != PGM_COMMON_XML_ENUM__INVALID__ && class_type <= PGM_COMMON_XML_ENUM__MAX__);
     VEK_ASSERT(type < PGM_XML_TYPE_INVALID);
     VEK_ASSERT(exist < PGM_XML_EXIST_INVALID);
-    m_attribute_infos.reserve(std::size(RESERVED));
-    for (const std::string_view name : RESERVED) {
-        m_attribute_infos.emplace_back(name, PGM_XML_TYPE_RESERVED, PGM_XML_EXIST_HIDDEN, std::string_view(),
-                                       std::string_view(), nullptr);
-    }
 }
 
 PGM_COMMON_XML_ELEMENT::~PGM_COMMON_XML_ELEMENT()
@@ -161,29 +148,63 @@ PGM_COMMON_XML_ELEMENT* PGM_COMMON_XML_ELEMENT::get_parent(const PGM_COMMON_XML_
     return element ? element->m_parent : m_parent;
 }
 
-const PGM_COMMON_XML_ATTRIBUTE_INFO& PGM_COMMON_XML_ELEMENT::attribute(std::string_view name) const
+std::vector<PGM_COMMON_XML_ATTRIBUTE_INFO> PGM_COMMON_XML_ELEMENT::attribute_infos() const
 {
-    const auto found = std::find_if(m_attribute_infos.begin(), m_attribute_infos.end(),
-                                    [name](const auto& info) { return info.m_name == name; });
-    VEK_ASSERT_TEXT(found != m_attribute_infos.end(),
+    std::vector<PGM_COMMON_XML_ATTRIBUTE_INFO> infos;
+    infos.reserve(std::size(RESERVED) + m_attributes.size());
+    for (std::size_t index = 0; index < std::size(RESERVED); ++index) {
+        infos.emplace_back(RESERVED[index], PGM_XML_TYPE_RESERVED, PGM_XML_EXIST_HIDDEN, std::string_view(),
+                           std::string_view(), nullptr);
+        infos.back().m_value = m_reserved ? (*m_reserved)[index] : std::string();
+    }
+    for (const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& row : m_attributes) {
+        // The record is a way to the member, which the element does not guard.
+        infos.emplace_back(row.name, row.type, row.exist, row.default_value, std::string_view(),
+                           &row.member(const_cast<PGM_COMMON_XML_ELEMENT&>(*this)));
+    }
+    return infos;
+}
+
+/// The text of an attribute; null for a reserved one that has never been written.
+std::string* PGM_COMMON_XML_ELEMENT::find_text(std::string_view name, bool& is_secret) const
+{
+    for (const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& row : m_attributes) {
+        if (row.name == name) {
+            is_secret = row.type == PGM_XML_TYPE_SECRET;
+            return &row.member(const_cast<PGM_COMMON_XML_ELEMENT&>(*this));
+        }
+    }
+    is_secret = false;
+    const auto reserved = std::find(std::begin(RESERVED), std::end(RESERVED), name);
+    VEK_ASSERT_TEXT(reserved != std::end(RESERVED),
                     element_text(m_sub_class_type) + " has no attribute \"" + std::string(name) + "\"");
-    return *found;
+    return m_reserved ? &(*m_reserved)[static_cast<std::size_t>(reserved - std::begin(RESERVED))] : nullptr;
 }
 
 const std::string& PGM_COMMON_XML_ELEMENT::read_attribute_string(std::string_view name) const
 {
-    return attribute(name).text();
+    static const std::string empty;
+    bool is_secret = false;
+    const std::string* text = find_text(name, is_secret);
+    return text ? *text : empty;
 }
 
 void PGM_COMMON_XML_ELEMENT::write_attribute_string(std::string_view name, std::string_view text)
 {
-    const auto index = &attribute(name) - m_attribute_infos.data();
-    m_attribute_infos[static_cast<std::size_t>(index)].set_text(text);
+    if (is_reserved(name) && !m_reserved) {
+        m_reserved = std::make_unique<std::array<std::string, std::size(RESERVED)>>();
+    }
+    bool is_secret = false;
+    std::string& target = *find_text(name, is_secret);
+    if (is_secret) {
+        pgm_common_xml_wipe(target);
+    }
+    target.assign(text);
 }
 
 bool PGM_COMMON_XML_ELEMENT::is_attribute_empty(std::string_view name) const
 {
-    return attribute(name).text().empty();
+    return read_attribute_string(name).empty();
 }
 
 const std::string& PGM_COMMON_XML_ELEMENT::read_string() const
@@ -203,17 +224,20 @@ void PGM_COMMON_XML_ELEMENT::append_string(std::string_view text)
 
 void PGM_COMMON_XML_ELEMENT::init_check() const
 {
-    VEK_ASSERT_TEXT(
-        m_attribute_infos.size() >= std::size(RESERVED) &&
-            std::equal(std::begin(RESERVED), std::end(RESERVED), m_attribute_infos.begin(),
-                       [](std::string_view name, const auto& info) { return info.m_name == name; }),
-        element_text(m_sub_class_type) + " lacks the reserved attributes");
-    for (auto info = m_attribute_infos.begin(); info != m_attribute_infos.end(); ++info) {
-        const auto twin = std::find_if(m_attribute_infos.begin(), info,
+    // One slot for each class; the elements of a class share their table.
+    static std::array<std::atomic<const void*>, PGM_COMMON_XML_ENUM__MAX__ + 1> passed{};
+    std::atomic<const void*>& slot = passed[m_class_type];
+    if (!m_attributes.empty() && slot.load(std::memory_order_relaxed) == m_attributes.data()) {
+        return;
+    }
+    const std::vector<PGM_COMMON_XML_ATTRIBUTE_INFO> infos = attribute_infos();
+    for (auto info = infos.begin(); info != infos.end(); ++info) {
+        const auto twin = std::find_if(infos.begin(), info,
                                        [info](const auto& other) { return other.m_name == info->m_name; });
         VEK_ASSERT_TEXT(twin == info, element_text(m_sub_class_type) + " has two attributes \"" +
                                           std::string(info->m_name) + "\"");
     }
+    slot.store(m_attributes.data(), std::memory_order_relaxed);
 }
 
 void PGM_COMMON_XML_ELEMENT::check_count(PGM_COMMON_XML_ENUM kind,

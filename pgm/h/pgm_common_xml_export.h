@@ -3,7 +3,10 @@
 
 #include "pgm_common_xml_enum.h"
 
+#include <array>
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,9 +35,22 @@ enum PGM_XML_EXIST : std::uint8_t {
     PGM_XML_EXIST_INVALID = 3,
 };
 
-/// One attribute of an element. The text lives in the bound member of the element; only the three reserved
-/// attributes, which have none, keep it here. Name, default and second text are views, since each element of
-/// a document has the same: they must outlive the record, as literals do.
+class PGM_COMMON_XML_ELEMENT;
+
+/// What all elements of a class share about one attribute.
+struct PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR {
+    std::string_view name; ///< lower case, as in the file
+    PGM_XML_TYPE type;
+    PGM_XML_EXIST exist;
+    std::string_view default_value;
+    std::span<const PGM_COMMON_XML_ENUM> words; ///< what an attribute of type WORD may hold
+    std::string& (*member)(PGM_COMMON_XML_ELEMENT& element);
+};
+
+/// Overwrites the memory of a text that was a secret and empties it.
+void pgm_common_xml_wipe(std::string& secret);
+
+/// One attribute of one element. Name, default and second text must outlive the record, as literals do.
 class PGM_COMMON_XML_ATTRIBUTE_INFO
 {
 public:
@@ -44,20 +60,13 @@ public:
     PGM_COMMON_XML_ATTRIBUTE_INFO(std::string_view name, std::uint8_t type, std::uint8_t exist,
                                   std::string_view default_value, std::string_view second_text, void* ptr);
 
-    /// The text as it stands now.
-    const std::string& text() const { return m_ptr ? *static_cast<const std::string*>(m_ptr) : m_value; }
-    /// Replaces the text; that of a secret is wiped first.
-    void set_text(std::string_view text);
-    /// Overwrites the memory of a text that was a secret and empties it.
-    static void wipe(std::string& secret);
-
     std::string_view m_name;
     std::string m_value;
     std::string_view m_default_value; ///< stands for the text of an absent attribute
     std::string_view m_second_text;
     std::uint8_t m_type;
     std::uint8_t m_exist;
-    void* m_ptr;
+    void* m_ptr; ///< the std::string that holds the text; null for a reserved attribute
 };
 
 /// Base of all elements of a document.
@@ -102,6 +111,11 @@ public:
     PGM_COMMON_XML_ELEMENT* get_parent(const PGM_COMMON_XML_ELEMENT* element = nullptr) const;
     PGM_COMMON_XML_ENUM get_sub_class_type() const { return m_sub_class_type; }
 
+    /// The attributes in declaration order, the reserved three first. What the elements of a class have in
+    /// common is stored once, and an element of many attributes would else be mostly records of them; so the
+    /// list is made when somebody asks. The bound members are those of this element.
+    std::vector<PGM_COMMON_XML_ATTRIBUTE_INFO> attribute_infos() const;
+
     /// An attribute by its lower-case name; one that the element does not have is the internal error
     /// `Element "%s" has no attribute "%s"`.
     const std::string& read_attribute_string(std::string_view name) const;
@@ -113,15 +127,16 @@ public:
     void write_string(std::string_view text);
     void append_string(std::string_view text);
 
-    /// To be run once at the end of each constructor. Internal errors: `Element "%s" lacks the reserved
-    /// attributes`, `Element "%s" has two attributes "%s"`.
+    /// Checks the list of attributes; to be run at the end of each constructor. A table that has passed is
+    /// not walked again. Internal errors: those of PGM_COMMON_XML_ATTRIBUTE_INFO, and
+    /// `Element "%s" has two attributes "%s"`.
     void init_check() const;
 
     /// Internal error `Element "%s" has %u child elements "%s"` unless the number of children of the kind is
     /// allowed. Each list of `allowed` is one number, or the first and the last of a range.
     void check_count(PGM_COMMON_XML_ENUM kind, const std::vector<std::vector<unsigned>>& allowed) const;
 
-    std::vector<PGM_COMMON_XML_ATTRIBUTE_INFO> m_attribute_infos; ///< the reserved three come first
+    std::span<const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR> m_attributes; ///< set by the class's constructor
     PGM_COMMON_XML_ENUM m_class_type;
     PGM_COMMON_XML_ENUM m_sub_class_type; ///< the name under which the element stands in its parent
     std::string m_value;                  ///< the text content of an element without a bound member
@@ -151,8 +166,11 @@ protected:
 
 private:
     static void require_entry(bool has_entry, const char* condition);
-    const PGM_COMMON_XML_ATTRIBUTE_INFO& attribute(std::string_view name) const;
+    std::string* find_text(std::string_view name, bool& is_secret) const;
     void collect(PGM_COMMON_XML_ENUM kind, bool own, std::vector<PGM_COMMON_XML_ELEMENT*>& found) const;
+
+    /// The texts of the reserved attributes, of which nobody has made use so far.
+    mutable std::unique_ptr<std::array<std::string, 3>> m_reserved;
 };
 
 #endif
