@@ -38,10 +38,12 @@ QString working_directory()
     return directory.isEmpty() ? QDir::currentPath() : directory;
 }
 
-void show_box(MOK_FRAME_WND& frame, QMessageBox::Icon icon, const char* name, const QString& text)
+void show_box(MOK_FRAME_WND& frame, QMessageBox::Icon icon, const char* name, const QString& text,
+              Qt::TextFormat format = Qt::PlainText)
 {
     QMessageBox box(icon, MOK_FRAME_WND::tr("Imagewright"), text, QMessageBox::Ok, &frame);
     box.setObjectName(QLatin1String(name));
+    box.setTextFormat(format);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     box.exec();
 }
@@ -284,7 +286,8 @@ void mok_show_shortcuts(MOK_FRAME_WND& frame)
     show_box(frame, QMessageBox::NoIcon, "shortcuts_box",
              QStringLiteral("<table cellpadding='3'>%1</table><p>%2</p>")
                  .arg(rows, MOK_FRAME_WND::tr("Alt with the underlined letter reaches menus, tabs and "
-                                              "buttons; Tab goes to the next field.")));
+                                              "buttons; Tab goes to the next field.")),
+             Qt::RichText);
 }
 
 void mok_show_about(MOK_FRAME_WND& frame)

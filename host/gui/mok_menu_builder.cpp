@@ -3,6 +3,7 @@
 #include "mok_frame_commands.h"
 #include "mok_frame_wnd.h"
 #include "mok_recent_files.h"
+#include "nivo_icon.h"
 #include "tst_mode.h"
 
 #include <QApplication>
@@ -101,6 +102,19 @@ constexpr ENTRY_ROW ENTRY_ROWS[] = {
 
 #undef TEXT
 
+struct ICON_ROW {
+    int menu;
+    int position;
+    NIVO_ICON_ENUM icon;
+};
+
+constexpr ICON_ROW ICON_ROWS[] = {
+    {MOK_MENU_FILE, MOK_FILE_OPEN, NIVO_ICON_OPEN},
+    {MOK_MENU_FILE, MOK_FILE_SAVE, NIVO_ICON_SAVE},
+    {MOK_MENU_VIEW, MOK_VIEW_CLEAR_MESSAGES, NIVO_ICON_CLEAR},
+    {MOK_MENU_WINDOW, MOK_WINDOW_DETACH, NIVO_ICON_DETACH},
+};
+
 struct TOOLBAR_ENTRY {
     int position;
     const char* category;
@@ -167,6 +181,9 @@ void MOK_MENU_BUILDER::build(MOK_FRAME_WND& frame)
             QObject::connect(action, &QAction::triggered, &frame, [&frame, command] { command(frame); });
         }
         action->setEnabled(row.need == NEED::NOTHING);
+    }
+    for (const ICON_ROW& row : ICON_ROWS) {
+        record.get_entry(row.menu, row.position)->setIcon(nivo_get_icon(row.icon));
     }
     add_submenu(frame, MOK_FILE_OPEN_RECENT, mok_fill_recent_menu);
     add_submenu(frame, MOK_FILE_EXPORT, mok_fill_export_menu);

@@ -8,6 +8,7 @@
 #include <QClipboard>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QMessageBox>
 #include <QScrollBar>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -98,6 +99,7 @@ MOK_MESSAGE_PANE::MOK_MESSAGE_PANE(MOK_MESSAGE_MODEL* model, QWidget* parent)
     connect(m_model, SIGNAL(rowsRemoved(QModelIndex, int, int)), this, SLOT(update_counts()));
     connect(m_model, SIGNAL(modelReset()), this, SLOT(update_counts()));
     connect(m_model, SIGNAL(error_arrived()), this, SLOT(show()));
+    connect(m_view, SIGNAL(activated(QModelIndex)), this, SLOT(show_whole(QModelIndex)));
     update_counts();
     m_view->scrollToBottom();
 }
@@ -143,6 +145,21 @@ void MOK_MESSAGE_PANE::copy()
 void MOK_MESSAGE_PANE::clear()
 {
     m_model->clear();
+}
+
+void MOK_MESSAGE_PANE::show_whole(const QModelIndex& index)
+{
+    const auto cell = [&index](int column) {
+        return index.siblingAtColumn(column).data(Qt::EditRole).toString();
+    };
+    const QString id = cell(MOK_MESSAGE_MODEL::COLUMN_ID);
+    const QString severity = cell(MOK_MESSAGE_MODEL::COLUMN_SEVERITY);
+    QMessageBox box(QMessageBox::NoIcon, id.isEmpty() ? severity : severity + QLatin1Char(' ') + id,
+                    cell(MOK_MESSAGE_MODEL::COLUMN_TEXT), QMessageBox::Ok, this);
+    box.setObjectName(QStringLiteral("message_box"));
+    box.setTextFormat(Qt::PlainText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    box.exec();
 }
 
 void MOK_MESSAGE_PANE::update_counts()

@@ -49,6 +49,7 @@ public slots:
 private slots:
     void update_counts();
     void note_position();
+    void show_whole(const QModelIndex& index);
     void follow();
 
 private:

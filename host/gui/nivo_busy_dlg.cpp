@@ -13,7 +13,7 @@
 namespace
 {
 constexpr int POLL_INTERVAL_MS = 150;
-constexpr int FILE_LABEL_WIDTH = 380;
+constexpr int FILE_LABEL_WIDTH = 480;
 
 QString elapsed_text(qint64 seconds)
 {

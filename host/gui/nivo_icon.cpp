@@ -152,7 +152,7 @@ public:
         const QPalette::ColorRole line_role =
             mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::WindowText;
         const INK ink{palette.color(group, line_role), palette.color(group, QPalette::Base),
-                      palette.color(group, QPalette::Link)};
+                      QColor(0x2E, 0x86, 0xE0)};
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
         const int side = qMin(rect.width(), rect.height());

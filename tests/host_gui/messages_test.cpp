@@ -248,6 +248,22 @@ TEST_F(MESSAGES_TEST, copy_takes_the_selected_messages_or_all_that_are_shown)
     EXPECT_TRUE(lines[1].endsWith("\tthree"));
 }
 
+TEST_F(MESSAGES_TEST, return_on_a_message_shows_the_whole_of_it)
+{
+    post_message(MSG_SEVERITY::WARNING, 21625, "a long text\nof two lines <b>");
+    QCoreApplication::processEvents();
+    m_frame->get_message_pane()->show();
+    m_frame->show();
+    NIVO_TREE_VIEW& view = part<NIVO_TREE_VIEW>("message_view");
+    view.setCurrentIndex(view.model()->index(0, 0));
+    MODAL_ANSWERS answers;
+    answers.click(QMessageBox::Ok);
+    QTest::keyClick(&view, Qt::Key_Return);
+    ASSERT_EQ(answers.boxes().size(), 1);
+    EXPECT_EQ(answers.boxes()[0].title, "Warning 21625");
+    EXPECT_EQ(answers.boxes()[0].text, "a long text\nof two lines <b>");
+}
+
 TEST_F(MESSAGES_TEST, clear_empties_the_list_and_the_counts_from_pane_and_menu)
 {
     m_frame->get_message_pane();
