@@ -1,10 +1,10 @@
 #include "check.h"
 #include "dev_family_enum.h"
+#include "family_traits.h"
 #include "format_registry.h"
 #include "partition_layout.h"
 #include "same_file.h"
 #include "vek_db.h"
-#include "vek_util.h"
 
 #include <algorithm>
 #include <map>
@@ -27,8 +27,7 @@ public:
         if (facts.family != DEV_FAMILY_NONE) {
             unsigned mode_mask_a = 0;
             unsigned mode_mask_b = 0;
-            VEK_UTIL::get_family_pcf_info(facts.family, DEV_DEVICE_NONE, mode_mask_a, mode_mask_b,
-                                          m_type_mask);
+            get_family_pcf_info(facts.family, DEV_DEVICE_NONE, mode_mask_a, mode_mask_b, m_type_mask);
         }
     }
 

@@ -1,0 +1,183 @@
+#include "check.h"
+#include "fio_path.h"
+#include "pgm_common_xml_descriptor.h"
+#include "pgm_device.h"
+#include "vek_file_assistant.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace
+{
+
+/// An attribute that asks for something this version does not do, unless it has one of the neutral texts.
+struct UNHONOURED_OPTION {
+    const char* attribute;
+    const char* neutral; ///< beside the empty text; null when there is none
+    const char* words;
+};
+
+constexpr UNHONOURED_OPTION PATH_OPTIONS[] = {
+    {"encryption", "0", "encryption"},
+    {"finalize_encryption", "0", "finalising the encryption"},
+    {"finalize_encryption_later", "0", "finalising the encryption later"},
+    {"signing", "OFF", "signing"},
+    {"sign_later", "0", "signing later"},
+    {"decryption_during_pr", "0", "decryption during partial reconfiguration"},
+    {"decompression_during_pr", "0", "decompression during partial reconfiguration"},
+    {"fw_source", nullptr, "co-signed firmware"},
+    {"elk_file", nullptr, "an encryption lock file"},
+    {"smsf_file", nullptr, "a static mask file"},
+    {"rsu_version", nullptr, "a version for remote update"},
+    {"rsu_upgrade", "0", "a factory update image"},
+    {"rsu_boot_info", "0", "boot information in the bitstream"},
+    {"app_image", nullptr, "an application image"},
+    {"app_image_hps_path", nullptr, "a bootloader for the application image"},
+    {"app_image_only", "0", "an application image alone"},
+    {"firmware_only", "0", "firmware alone"},
+    {"seu_recovery", "0", "recovery from upsets"},
+    {"security_opt_epof_only", "0", "the fuse option for encrypted files only"},
+    {"security_opt_no_config", "0", "the fuse option against external configuration"},
+    {"security_opt_no_pr", "0", "the fuse option against external partial reconfiguration"},
+    {"security_opt_no_jtag_key", "0", "the fuse option against key instructions"},
+    {"security_opt_no_jtag_ext", "0", "the fuse option against extended instructions"},
+    {"security_opt_no_jtag", "0", "the fuse option against JTAG"},
+    {"security_opt_no_hps_jtag", "0", "the fuse option against the JTAG of the processor"},
+    {"security_opt_no_otp_key", "0", "the fuse option against the fuse key"},
+    {"security_opt_no_battery_key", "0", "the fuse option against the battery key"},
+    {"security_opt_lock_battery_key", "0", "the fuse option that locks the battery key"},
+    {"security_opt_secure", nullptr, "other security measures"},
+};
+
+constexpr UNHONOURED_OPTION OUTPUT_OPTIONS[] = {
+    {"allow_device_state", nullptr, "a device state"},
+    {"subtype", nullptr, "a subtype"},
+    {"rsu_boot", "0", "a boot image for remote update"},
+};
+
+constexpr UNHONOURED_OPTION BITSTREAM_ID_OPTIONS[] = {
+    {"section", "ALL", "a section of a bitstream"},
+};
+
+constexpr UNHONOURED_OPTION FLASH_OPTIONS[] = {
+    {"chip_select", "0", "a chip select"},
+};
+
+/// The device options that stand in the configuration stream as the bitstream file brings them.
+struct DEVICE_OPTION {
+    const char* name;
+    bool (*equal)(const DSET_OTI_DEV_OPTIONS_INFO& a, const DSET_OTI_DEV_OPTIONS_INFO& b);
+};
+
+template <auto MEMBER>
+bool same(const DSET_OTI_DEV_OPTIONS_INFO& a, const DSET_OTI_DEV_OPTIONS_INFO& b)
+{
+    return a.*MEMBER == b.*MEMBER;
+}
+
+using INFO = DSET_OTI_DEV_OPTIONS_INFO;
+constexpr DEVICE_OPTION DEVICE_OPTIONS[] = {
+    {"power_on_scheme", same<&INFO::power_on_scheme>},
+    {"enable_user_ios_weak_pullup", same<&INFO::user_ios_weak_pullup>},
+    {"config_from_cfm0_only", same<&INFO::not_cfm0_only>},
+    {"isp_source", same<&INFO::isp_source>},
+    {"enable_jtag_security", same<&INFO::jtag_security>},
+    {"enable_verify_protect", same<&INFO::verify_protect>},
+    {"enable_encrypted_pof_only", same<&INFO::encrypted_pof_only>},
+    {"watchdog_value", same<&INFO::watchdog_value>},
+    {"enable_spi_mode", same<&INFO::spi_mode>},
+    {"fallback_address", same<&INFO::fallback_address>},
+    {"force_ssmclk_to_use_ismclk", same<&INFO::force_ssmclk_to_use_ismclk>},
+    {"enable_test", same<&INFO::enable_test>},
+    {"disable_test", same<&INFO::disable_test>},
+};
+
+class OPTION_CHECK
+{
+public:
+    OPTION_CHECK(const SETUP_VIEW& setup, FINDINGS& findings) : m_setup(setup), m_findings(findings) {}
+
+    void run()
+    {
+        for (const PGM_COMMON_XML_VEK_BITSTREAM* bitstream : m_setup.bitstreams().all()) {
+            for (const PGM_COMMON_XML_VEK_PATH* path : bitstream->path) {
+                check(*path,
+                      element_label("BITSTREAM", bitstream->id) + " / " +
+                          element_label("PATH", FIO_PATH(path->text).filename()),
+                      PATH_OPTIONS);
+            }
+        }
+        for (const PGM_COMMON_XML_VEK_OUTPUT_FILE* output : m_setup.output_files()) {
+            check(*output, output_label(*output), OUTPUT_OPTIONS);
+            for (const PGM_COMMON_XML_VEK_BITSTREAM_ID* id : output->bitstream_id) {
+                check(*id, output_label(*output) + " / " + element_label("BITSTREAM_ID", id->text),
+                      BITSTREAM_ID_OPTIONS);
+            }
+        }
+        for (const PGM_COMMON_XML_VEK_ASSIGNMENT* assignment : m_setup.assignments().all()) {
+            for (const PGM_COMMON_XML_VEK_BITSTREAM_ID* id : assignment->bitstream_id) {
+                check(*id,
+                      element_label("ASSIGNMENT", assignment->partition_id) + " / " +
+                          element_label("BITSTREAM_ID", id->text),
+                      BITSTREAM_ID_OPTIONS);
+            }
+        }
+        for (const PGM_COMMON_XML_VEK_FLASH_DEVICE* device : m_setup.flash_devices().all()) {
+            const std::string label = element_label("FLASH_DEVICE", device->id);
+            check(*device, label, FLASH_OPTIONS);
+            for (const PGM_COMMON_XML_VEK_MBR* mbr : device->mbr) {
+                m_findings.add(FINDING_MBR_NOT_SUPPORTED, label + " / " + element_label("MBR", mbr->id),
+                               "This version cannot write a master boot record; remove it.");
+            }
+        }
+    }
+
+private:
+    void check(const PGM_COMMON_XML_ELEMENT& element, const std::string& label,
+               std::span<const UNHONOURED_OPTION> options)
+    {
+        for (const UNHONOURED_OPTION& option : options) {
+            const std::string& value = element.read_attribute_string(option.attribute);
+            const bool is_bool = option.neutral != nullptr && option.neutral == std::string("0");
+            if (value.empty() || (option.neutral != nullptr && value == option.neutral) ||
+                (is_bool && is_switched_off(value))) {
+                continue;
+            }
+            m_findings.add(FINDING_OPTION_NOT_HONOURED, label,
+                           "The attribute \"" + std::string(option.attribute) + "\" asks for " +
+                               option.words + ", which this version does not do yet; switch the option off.");
+        }
+    }
+
+    static bool is_switched_off(const std::string& value)
+    {
+        constexpr const char* WORDS[] = {"off", "Off", "OFF", "false", "False", "FALSE"};
+        return std::find(std::begin(WORDS), std::end(WORDS), value) != std::end(WORDS);
+    }
+
+    const SETUP_VIEW& m_setup;
+    FINDINGS& m_findings;
+};
+
+} // namespace
+
+void check_options(const SETUP_VIEW& setup, FINDINGS& findings)
+{
+    OPTION_CHECK(setup, findings).run();
+}
+
+void check_device_options(const SETUP_VIEW& setup, const std::string& device_id,
+                          const DSET_OTI_DEV_OPTIONS_INFO& of_file, FINDINGS& findings)
+{
+    INFO of_setup;
+    VEK_FILE_ASSISTANT::get_internal_configuration_options(&setup.document(), of_setup, device_id);
+    for (const DEVICE_OPTION& option : DEVICE_OPTIONS) {
+        if (!option.equal(of_setup, of_file)) {
+            findings.add(
+                FINDING_OPTION_NOT_HONOURED, element_label("FLASH_DEVICE", device_id),
+                "The device option \"" + std::string(option.name) +
+                    "\" differs from that of the bitstream file, and this version writes the options of "
+                    "the file; set it to the value of the file.");
+        }
+    }
+}

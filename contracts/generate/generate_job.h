@@ -1,0 +1,35 @@
+#ifndef GENERATE_JOB_H
+#define GENERATE_JOB_H
+
+#include "pgm_common_xml_vek_auto_export.h"
+#include "vek_file_type.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// How a generation differs from what the setup says.
+struct GENERATE_OPTIONS {
+    std::string output_directory; ///< replaces the directories of the setup unless it is empty
+    unsigned threads = 0;         ///< at most so many at once; 0 for as many as the machine runs
+};
+
+/// A file that generation has written under its final name.
+struct WRITTEN_FILE {
+    std::string path; ///< absolute
+    VEK_FILE_TYPE type = VEK_INVALID_FILE_TYPE;
+    std::uint64_t size = 0; ///< bytes
+};
+
+/// Writes all output files of the setup. Each is written to a temporary file in its directory, read back and
+/// compared with what it was made from, and only then given its name; independent files are written at the
+/// same time. Equal setups and inputs give equal bytes.
+///
+/// `written` lists the files that stand under their final names, in document order, also when others have
+/// failed. A setup that the check refuses in what it says is not begun. Every failure is reported through the
+/// message service; the result is true when all files were written. Relative paths are taken against the
+/// current directory. Any thread; the document must stay as it is meanwhile.
+bool generate_document(const PGM_COMMON_XML_VEK_VEK& document, const GENERATE_OPTIONS& options,
+                       std::vector<WRITTEN_FILE>& written);
+
+#endif
