@@ -8,7 +8,7 @@ struct STREAM_INPUT {
     std::string path;                  ///< absolute path of the SOF or PMSF file, in the local encoding
     bool compression = false;          ///< LZ4
     bool enhanced_compression = false; ///< Zstandard; excludes compression
-    std::string hps_path;              ///< bootloader file, empty for none
+    std::string hps_path{};            ///< bootloader file, empty for none
 };
 
 #endif
