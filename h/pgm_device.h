@@ -106,7 +106,7 @@ public:
     DEV_FAMILY_MANAGER();
 
     /// All families by value, flash families included.
-    const std::vector<DEV_FAMILY_ENUM>& families() const { return m_families; }
+    std::vector<DEV_FAMILY_ENUM> families() const { return m_families; }
 
 private:
     std::vector<DEV_FAMILY_ENUM> m_families;
