@@ -124,8 +124,8 @@ TEST(pof_format, the_independent_reader_finds_device_partitions_and_image)
 TEST(pof_format, images_of_all_shapes_are_read_back)
 {
     DICE random(3);
-    for (int round = 0; round != 40; ++round) {
-        BYTES bytes(random() % 3000000, 0xFF);
+    for (int round = 0; round != 16; ++round) {
+        BYTES bytes(random() % 2500000, 0xFF);
         for (unsigned run = random() % 12; run-- != 0 && !bytes.empty();) {
             const BYTES content = make_bytes(random() % (round % 2 ? 1500000 : 5000), random());
             const std::size_t at = random() % bytes.size();
