@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
+#include <algorithm>
 #include <sstream>
 
 DECODED_MAP decode_map(const std::vector<std::uint8_t>& file)
@@ -16,20 +16,20 @@ DECODED_MAP decode_map(const std::vector<std::uint8_t>& file)
     std::string underlines;
     std::getline(lines, titles);
     std::getline(lines, underlines);
-    const std::regex dashes("-+");
     while (std::getline(lines, line)) {
         EXPECT_EQ(line.size(), underlines.size());
         std::map<std::string, std::string> row;
-        for (std::sregex_iterator it(underlines.begin(), underlines.end(), dashes), end; it != end; ++it) {
+        for (std::size_t position = 0; position < underlines.size();) {
+            const std::size_t end = std::min(underlines.find(' ', position), underlines.size());
             const auto cut = [&](const std::string& text) {
-                const auto position = static_cast<std::size_t>(it->position());
                 if (position != 0) {
                     EXPECT_EQ(text.substr(position - 2, 2), "  ");
                 }
-                std::string value = text.substr(position, static_cast<std::size_t>(it->length()));
+                std::string value = text.substr(position, end - position);
                 return value.erase(value.find_last_not_of(' ') + 1);
             };
             row[cut(titles)] = cut(line);
+            position = end + 2;
         }
         map.rows.push_back(row);
     }
