@@ -163,6 +163,8 @@ public:
         setDocumentHandler(&handler);
         setErrorHandler(&handler);
         setEntityResolver(&handler);
+        // Without one the scanner does not report the DOCTYPE.
+        setDTDHandler(&handler);
     }
 
     void doctypeDecl(const xercesc::DTDElementDecl&, const XMLCh* const, const XMLCh* const, const bool,
