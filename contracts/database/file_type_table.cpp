@@ -7,20 +7,23 @@
 namespace
 {
 
-using INDEX = std::array<const FILE_TYPE_ROW*, VEK_INVALID_FILE_TYPE>;
+constexpr std::size_t NO_ROW = FILE_TYPE_TABLE.size();
+
+using INDEX = std::array<std::size_t, VEK_INVALID_FILE_TYPE>;
 
 constexpr INDEX make_index()
 {
     INDEX index{};
-    for (const FILE_TYPE_ROW& row : FILE_TYPE_TABLE) {
-        index.at(row.type) = &row; // a row above 31 does not compile
+    index.fill(NO_ROW);
+    for (std::size_t row = 0; row < FILE_TYPE_TABLE.size(); ++row) {
+        index.at(FILE_TYPE_TABLE[row].type) = row; // a row above 31 does not compile
     }
     return index;
 }
 
 constexpr INDEX INDEX_BY_TYPE = make_index();
 
-static_assert(INDEX_BY_TYPE.size() - static_cast<std::size_t>(std::ranges::count(INDEX_BY_TYPE, nullptr)) ==
+static_assert(INDEX_BY_TYPE.size() - static_cast<std::size_t>(std::ranges::count(INDEX_BY_TYPE, NO_ROW)) ==
                   FILE_TYPE_TABLE.size(),
               "no type twice");
 
@@ -52,5 +55,6 @@ static_assert(modes_stand_at_their_value());
 
 const FILE_TYPE_ROW* find_file_type_row(VEK_FILE_TYPE type)
 {
-    return type < INDEX_BY_TYPE.size() ? INDEX_BY_TYPE[type] : nullptr;
+    const std::size_t row = type < INDEX_BY_TYPE.size() ? INDEX_BY_TYPE[type] : NO_ROW;
+    return row != NO_ROW ? &FILE_TYPE_TABLE[row] : nullptr;
 }

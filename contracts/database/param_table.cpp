@@ -9,36 +9,46 @@
 namespace
 {
 
-static_assert(PARAM_ROWS_INPUT.size() + PARAM_ROWS_OUTPUT.size() + PARAM_ROWS_FLASH.size() ==
-                  VEK_CMD_PARAM_MAX,
-              "one row per parameter");
+// By value and not by pointer: GCC 12 takes no comparison of pointers for a constant under the sanitizers.
+using TABLE = std::array<PARAM_ROW, VEK_CMD_PARAM_MAX>;
 
-using INDEX = std::array<const PARAM_ROW*, VEK_CMD_PARAM_MAX>;
-
-constexpr INDEX make_index()
+template <class VISIT>
+constexpr void for_each_row(VISIT visit)
 {
-    INDEX index{};
-    const auto enter = [&index](const auto& rows) {
-        for (const PARAM_ROW& row : rows) {
-            index.at(row.param) = &row;
-        }
-    };
-    enter(PARAM_ROWS_INPUT);
-    enter(PARAM_ROWS_OUTPUT);
-    enter(PARAM_ROWS_FLASH);
-    return index;
+    for (const PARAM_ROW& row : PARAM_ROWS_INPUT) {
+        visit(row);
+    }
+    for (const PARAM_ROW& row : PARAM_ROWS_OUTPUT) {
+        visit(row);
+    }
+    for (const PARAM_ROW& row : PARAM_ROWS_FLASH) {
+        visit(row);
+    }
 }
 
-constexpr INDEX INDEX_BY_PARAM = make_index();
+constexpr TABLE make_table()
+{
+    TABLE table{};
+    for_each_row([&table](const PARAM_ROW& row) { table.at(row.param) = row; });
+    return table;
+}
 
-// With as many rows as parameters, no gap means that no parameter has two rows.
-static_assert(std::ranges::find(INDEX_BY_PARAM, nullptr) == INDEX_BY_PARAM.end(), "no parameter twice");
+constexpr TABLE TABLE_BY_PARAM = make_table();
+
+constexpr bool every_param_has_one_row()
+{
+    std::array<unsigned, VEK_CMD_PARAM_MAX> rows{};
+    for_each_row([&rows](const PARAM_ROW& row) { ++rows.at(row.param); });
+    return std::ranges::all_of(rows, [](unsigned count) { return count == 1; });
+}
+
+static_assert(every_param_has_one_row());
 
 constexpr bool exclusions_are_symmetric()
 {
-    return std::ranges::all_of(INDEX_BY_PARAM, [](const PARAM_ROW* row) {
-        return std::ranges::all_of(row->excludes, [row](PGM_COMMON_XML_VEK_CMD_PARAM_ENUM other) {
-            return other != row->param && INDEX_BY_PARAM.at(other)->excludes.contains(row->param);
+    return std::ranges::all_of(TABLE_BY_PARAM, [](const PARAM_ROW& row) {
+        return std::ranges::all_of(row.excludes, [&row](PGM_COMMON_XML_VEK_CMD_PARAM_ENUM other) {
+            return other != row.param && TABLE_BY_PARAM.at(other).excludes.contains(row.param);
         });
     });
 }
@@ -48,19 +58,19 @@ static_assert(exclusions_are_symmetric());
 /// Whether a walk from `param` to its parents ends within `steps`.
 constexpr bool ancestry_ends(PGM_COMMON_XML_VEK_CMD_PARAM_ENUM param, unsigned steps)
 {
-    return steps != 0 && std::ranges::all_of(INDEX_BY_PARAM.at(param)->parents,
+    return steps != 0 && std::ranges::all_of(TABLE_BY_PARAM.at(param).parents,
                                              [steps](PGM_COMMON_XML_VEK_CMD_PARAM_ENUM parent) {
                                                  return ancestry_ends(parent, steps - 1);
                                              });
 }
 
-static_assert(std::ranges::all_of(INDEX_BY_PARAM,
-                                  [](const PARAM_ROW* row) { return ancestry_ends(row->param, 8); }),
+static_assert(std::ranges::all_of(TABLE_BY_PARAM,
+                                  [](const PARAM_ROW& row) { return ancestry_ends(row.param, 8); }),
               "no parameter depends on itself");
 
 } // namespace
 
 const PARAM_ROW* find_param_row(PGM_COMMON_XML_VEK_CMD_PARAM_ENUM param)
 {
-    return param < INDEX_BY_PARAM.size() ? INDEX_BY_PARAM[param] : nullptr;
+    return param < TABLE_BY_PARAM.size() ? &TABLE_BY_PARAM[param] : nullptr;
 }
