@@ -6,7 +6,36 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <stdexcept>
+
+namespace
+{
+
+std::uint64_t high_water_kib()
+{
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        std::uint64_t value = 0;
+        if (word == "VmHWM:" && status >> value)
+            return value;
+    }
+    throw std::runtime_error("the kernel does not tell the peak memory");
+}
+
+} // namespace
+
+PEAK_MEMORY::PEAK_MEMORY()
+{
+    std::ofstream reset("/proc/self/clear_refs");
+    EXPECT_TRUE(reset << "5" << std::flush);
+    m_start = high_water_kib();
+}
+
+std::uint64_t PEAK_MEMORY::kib() const
+{
+    return high_water_kib() - m_start;
+}
 
 BYTES random_bytes(std::mt19937& random, std::size_t size)
 {

@@ -53,6 +53,17 @@ void mend_digest(BYTES& file);
 
 std::shared_ptr<const BITSTREAM_FILE> open_bytes(const BYTES& bytes, std::string& message);
 
+/// Peak memory since the object was made, so that what earlier tests took does not hide what this one takes.
+class PEAK_MEMORY
+{
+public:
+    PEAK_MEMORY();
+    std::uint64_t kib() const; ///< above what was in use at the start
+
+private:
+    std::uint64_t m_start;
+};
+
 /// All bytes of a source; fails the test when they cannot be read.
 BYTES bytes_of(const BYTE_SOURCE& source);
 

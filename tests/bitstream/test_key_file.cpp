@@ -240,7 +240,7 @@ TEST_F(key_file, mutations_are_taken_or_refused_with_one_message)
 {
     std::mt19937 random(2);
     const std::string good = "# keys\r\nfirst 01234567\n\nsecond 89abcdef # spare\n";
-    for (int round = 0; round < 2000; ++round) {
+    for (int round = 0; round < 500; ++round) {
         std::string text = good;
         for (auto i = 1 + random() % 3; i > 0; --i) {
             const std::size_t at = random() % text.size();
@@ -257,7 +257,7 @@ TEST_F(key_file, mutations_are_taken_or_refused_with_one_message)
                 ASSERT_EQ(key.size(), 8U);
         } else {
             ASSERT_EQ(m_reported.size(), 1U);
-            ASSERT_THAT(m_reported[0].text, testing::ContainsRegex("Line [1-5] "));
+            ASSERT_THAT(m_reported[0].text, testing::HasSubstr(" is corrupted. Line "));
         }
     }
 }
