@@ -446,9 +446,15 @@ void MOK_FRAME_WND::save_layout() const
     }
 }
 
+bool MOK_FRAME_WND::can_take_drop() const
+{
+    // A drop reaches a window that an open dialog blocks, and what the dialog works on must not be exchanged.
+    return can_open() && QApplication::activeModalWidget() == nullptr;
+}
+
 void MOK_FRAME_WND::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (can_open() && !dropped_file(*event->mimeData(), m_info.document_extension).isEmpty()) {
+    if (can_take_drop() && !dropped_file(*event->mimeData(), m_info.document_extension).isEmpty()) {
         event->acceptProposedAction();
     }
 }
@@ -456,13 +462,19 @@ void MOK_FRAME_WND::dragEnterEvent(QDragEnterEvent* event)
 void MOK_FRAME_WND::dropEvent(QDropEvent* event)
 {
     const QString path = dropped_file(*event->mimeData(), m_info.document_extension);
-    if (!can_open() || path.isEmpty()) {
+    if (!can_take_drop() || path.isEmpty()) {
         return;
     }
     event->acceptProposedAction();
     // The source of the drop waits until this returns, and opening may ask the user something.
     QMetaObject::invokeMethod(
-        this, [this, path] { open_and_remember(path); }, Qt::QueuedConnection);
+        this,
+        [this, path] {
+            if (can_take_drop()) {
+                open_and_remember(path);
+            }
+        },
+        Qt::QueuedConnection);
 }
 
 MOK_FRAME_WND* mok_get_main_frame_wnd()

@@ -136,6 +136,7 @@ private:
     void connect_entry(int menu, int entry, const char* slot);
     void build_toolbars(const QMap<QString, QList<QAction*>>& categories);
     void apply_status_display();
+    bool can_take_drop() const;
     QByteArray layout_key() const;
     void restore_layout();
     void save_layout() const;

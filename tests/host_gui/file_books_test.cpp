@@ -236,6 +236,19 @@ TEST_F(FILE_BOOKS_TEST, a_dropped_setup_is_opened)
     EXPECT_EQ(frame.m_opened, QStringList{path}) << "it is open already";
 }
 
+TEST_F(FILE_BOOKS_TEST, a_drop_is_refused_while_a_dialog_is_open)
+{
+    NOTING_FRAME frame;
+    const QString path = make_file("a.vek");
+    QDialog dialog(&frame);
+    dialog.setModal(true);
+    dialog.show();
+    EXPECT_FALSE(drop(frame, {path}));
+    dialog.hide();
+    EXPECT_TRUE(drop(frame, {path}));
+    EXPECT_EQ(frame.m_opened, QStringList{path});
+}
+
 TEST_F(FILE_BOOKS_TEST, a_drop_of_anything_else_is_refused)
 {
     NOTING_FRAME frame;
