@@ -1,9 +1,8 @@
+#include "check.h"
 #include "command.h"
 #include "commands.h"
 #include "findings_report.h"
 #include "setup_argument.h"
-
-#include "check.h"
 
 namespace
 {
@@ -14,7 +13,8 @@ class CMD_CHECK final : public COMMAND
 public:
     CLI::App* declare(CLI::App& application) override
     {
-        CLI::App* command = application.add_subcommand("check", "Say what keeps a setup from being generated");
+        CLI::App* command =
+            application.add_subcommand("check", "Say what keeps a setup from being generated");
         command->add_option("setup", m_setup, "Setup file (.vek)")->type_name("SETUP")->required();
         command->footer("Example:\n  imagewright-cmd check board.vek");
         return command;
@@ -40,4 +40,7 @@ private:
 
 } // namespace
 
-std::unique_ptr<COMMAND> make_cmd_check() { return std::make_unique<CMD_CHECK>(); }
+std::unique_ptr<COMMAND> make_cmd_check()
+{
+    return std::make_unique<CMD_CHECK>();
+}

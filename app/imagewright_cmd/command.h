@@ -25,6 +25,8 @@ struct COMMAND_CONTEXT {
     /// One sentence about a failure, on the error stream; with --json as {"error": sentence} on the output
     /// stream too, so that a reader of the JSON is never left without an answer.
     void fail(const std::string& sentence) const;
+    /// A refusal with more to say than one sentence: the text on the error stream, the document with --json.
+    void fail_with(const JSON& document, const std::string& text) const;
     /// Prints `document` when --json is set; otherwise `text` unless --quiet is set.
     void print(const JSON& document, const std::string& text) const;
 };

@@ -38,6 +38,12 @@ struct COMMON_OPTIONS {
     }
 };
 
+std::string json_text(const JSON& document)
+{
+    // A path that is no valid UTF-8 must not end the program.
+    return document.dump(2, ' ', false, JSON::error_handler_t::replace) + '\n';
+}
+
 /// Runs the command that the parsed command line has chosen.
 EXIT_CODE execute_chosen(const std::vector<std::pair<CLI::App*, COMMAND*>>& commands,
                          const COMMON_OPTIONS& options, std::ostream& out, std::ostream& err)
@@ -61,17 +67,21 @@ EXIT_CODE execute_chosen(const std::vector<std::pair<CLI::App*, COMMAND*>>& comm
 
 void COMMAND_CONTEXT::fail(const std::string& sentence) const
 {
-    err << "imagewright-cmd: " << sentence << '\n';
+    fail_with(JSON{{"error", sentence}}, "imagewright-cmd: " + sentence + '\n');
+}
+
+void COMMAND_CONTEXT::fail_with(const JSON& document, const std::string& text) const
+{
+    err << text;
     if (json) {
-        out << JSON{{"error", sentence}}.dump(2, ' ', false, JSON::error_handler_t::replace) << '\n';
+        out << json_text(document);
     }
 }
 
 void COMMAND_CONTEXT::print(const JSON& document, const std::string& text) const
 {
     if (json) {
-        // A path that is no valid UTF-8 must not end the program.
-        out << document.dump(2, ' ', false, JSON::error_handler_t::replace) << '\n';
+        out << json_text(document);
     } else if (!quiet) {
         out << text;
     }

@@ -19,7 +19,8 @@ std::string findings_text(const std::string& setup, const FINDINGS& findings)
 {
     std::string text;
     for (const FINDING& finding : findings.all()) {
-        text += (finding.row().severity == FINDING_WARNING ? "Warning: " : "Error: ") + finding.sentence() + '\n';
+        text +=
+            (finding.row().severity == FINDING_WARNING ? "Warning: " : "Error: ") + finding.sentence() + '\n';
     }
     return text + setup + (findings.can_generate() ? " can be generated.\n" : " cannot be generated.\n");
 }

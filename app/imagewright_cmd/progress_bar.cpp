@@ -18,8 +18,8 @@ std::string bar_text(const PROGRESS_SNAPSHOT& progress)
 {
     const unsigned filled = progress.percent * CELLS / 100;
     const std::string percent = std::to_string(progress.percent);
-    return CLEAR_LINE + std::string("[") + std::string(filled, '#') + std::string(CELLS - filled, ' ') + "] " +
-           std::string(3 - percent.size(), ' ') + percent + "% " + progress.file;
+    return CLEAR_LINE + std::string("[") + std::string(filled, '#') + std::string(CELLS - filled, ' ') +
+           "] " + std::string(3 - percent.size(), ' ') + percent + "% " + progress.file;
 }
 
 } // namespace

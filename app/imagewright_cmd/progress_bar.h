@@ -5,8 +5,8 @@
 #include <mutex>
 #include <thread>
 
-/// While it lives, draws the progress of the back end on the error stream, when that is a terminal; anywhere else it
-/// draws nothing, so that logs stay clean.
+/// While it lives, draws the progress of the back end on the error stream, when that is a terminal; anywhere
+/// else it draws nothing, so that logs stay clean.
 class PROGRESS_BAR
 {
 public:

@@ -4,7 +4,8 @@
 #include "setup_reader.h"
 #include "vek_file_assistant.h"
 
-bool open_setup(const std::string& path, std::unique_ptr<PGM_COMMON_XML_VEK_VEK>& document, std::string& message)
+bool open_setup(const std::string& path, std::unique_ptr<PGM_COMMON_XML_VEK_VEK>& document,
+                std::string& message)
 {
     if (!read_setup_file(path, document, message)) {
         return false;

@@ -6,8 +6,9 @@
 #include <memory>
 #include <string>
 
-/// Reads the setup that a command was given and brings the flash database into force that it names, or else the
-/// user's own. False with a whole sentence in `message`, which begins with the path.
-bool open_setup(const std::string& path, std::unique_ptr<PGM_COMMON_XML_VEK_VEK>& document, std::string& message);
+/// Reads the setup that a command was given and brings the flash database into force that it names, or else
+/// the user's own. False with a whole sentence in `message`, which begins with the path.
+bool open_setup(const std::string& path, std::unique_ptr<PGM_COMMON_XML_VEK_VEK>& document,
+                std::string& message);
 
 #endif
