@@ -46,7 +46,8 @@ bool read_item_data(const QVariant& data, int& value)
 
 bool is_offered(const PGM_DEVICE& device)
 {
-    if (device.is_dev_not_listed() || device.is_dev_no_pof() || device.name.empty()) {
+    if ((device.ask_not_listed && device.is_dev_not_listed()) ||
+        (device.ask_no_pof && device.is_dev_no_pof()) || device.name.empty()) {
         return false;
     }
     return !VEK_DB_UTIL::is_configuration_family(device.family) &&

@@ -170,11 +170,21 @@ bool VEK_FRAME_WND::save_as(const FIO_PATH& /*path*/)
 
 void VEK_FRAME_WND::show_failure(const char* format, const std::string& message)
 {
+    // More than this does not fit on a small screen: the rest is there on demand.
+    constexpr int MAX_LINES = 15;
+    const QStringList lines = VEK_GUI_UTIL::from_local(message).split(QLatin1Char('\n'));
+    QString shown = lines.mid(0, MAX_LINES).join(QLatin1Char('\n'));
+    if (lines.size() > MAX_LINES) {
+        shown += tr("\n... and %1 more").arg(lines.size() - MAX_LINES);
+    }
     QString text = QString::fromLatin1(format);
-    text.replace(QStringLiteral("%s"), VEK_GUI_UTIL::from_local(message));
+    text.replace(QStringLiteral("%s"), shown);
     QMessageBox box(QMessageBox::Critical, tr("Imagewright"), tr(text.toUtf8().constData()), QMessageBox::Ok,
                     this);
     // A file name may look like markup.
     box.setTextFormat(Qt::PlainText);
+    if (lines.size() > MAX_LINES) {
+        box.setDetailedText(lines.join(QLatin1Char('\n')));
+    }
     box.exec();
 }

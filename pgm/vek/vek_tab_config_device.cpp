@@ -15,6 +15,7 @@
 #include <QLineEdit>
 
 #include <algorithm>
+#include <unordered_map>
 
 namespace
 {
@@ -26,6 +27,68 @@ QString get_address_text(const std::string& address)
     return address == "auto" ? QStringLiteral("<auto>") : VEK_GUI_UTIL::from_local(address);
 }
 
+QString get_filename(const std::string& path)
+{
+    return VEK_GUI_UTIL::from_local(FIO_PATH(path).filename());
+}
+
+/// The inputs of the partitions, looked up once: a setup may have ten thousand of them.
+class PARTITION_INPUTS
+{
+public:
+    explicit PARTITION_INPUTS(const PGM_COMMON_XML_VEK_VEK& document)
+    {
+        for (const auto* const bitstream : VEK_FILE_ASSISTANT::get_bitstream_elements(&document)) {
+            QStringList names;
+            for (const auto* const path : bitstream->path) {
+                names.append(get_filename(path->text));
+            }
+            m_names[bitstream->id] = names.join(QStringLiteral(", "));
+        }
+        for (const auto* const raw_file : VEK_FILE_ASSISTANT::get_raw_file_elements(&document)) {
+            m_names[raw_file->id] = get_filename(raw_file->text);
+        }
+        for (const auto* const group : document.assignments) {
+            for (const auto* const assignment : group->assignment) {
+                m_assignments[assignment->partition_id] = assignment;
+            }
+        }
+    }
+
+    QString get_page(const std::string& partition_id) const
+    {
+        const auto found = m_assignments.find(partition_id);
+        return found == m_assignments.end() ? QString() : VEK_GUI_UTIL::from_local(found->second->page);
+    }
+
+    QString get_text(const std::string& partition_id) const
+    {
+        QStringList names;
+        const auto found = m_assignments.find(partition_id);
+        if (found != m_assignments.end()) {
+            for (const auto* const id : found->second->bitstream_id) {
+                append_name(names, id->text);
+            }
+            for (const auto* const id : found->second->raw_file_id) {
+                append_name(names, id->text);
+            }
+        }
+        return names.isEmpty() ? VEK_TAB_CONFIG_DEVICE::tr("None") : names.join(QStringLiteral(", "));
+    }
+
+private:
+    void append_name(QStringList& names, const std::string& input_id) const
+    {
+        const auto found = m_names.find(input_id);
+        if (found != m_names.end()) {
+            names.append(found->second);
+        }
+    }
+
+    std::unordered_map<std::string, QString> m_names; ///< by the id of the input
+    std::unordered_map<std::string, const PGM_COMMON_XML_VEK_ASSIGNMENT*> m_assignments;
+};
+
 } // namespace
 
 VEK_TAB_CONFIG_DEVICE::VEK_TAB_CONFIG_DEVICE(std::shared_ptr<PGM_COMMON_XML_VEK_VEK> vek,
@@ -36,7 +99,7 @@ VEK_TAB_CONFIG_DEVICE::VEK_TAB_CONFIG_DEVICE(std::shared_ptr<PGM_COMMON_XML_VEK_
     VEK_ASSERT(m_vek != nullptr);
     VEK_ASSERT(m_cache != nullptr);
     m_config_device_tree =
-        new VEK_LIST_VIEW({tr("Device"), tr("Start"), tr("End"), tr("Page"), tr("Input File")}, this);
+        new VEK_LIST_VIEW({tr("Device"), tr("Start"), tr("End"), tr("Page"), tr("Input File")}, nullptr);
     m_config_device_tree->setObjectName(QStringLiteral("m_config_device_tree"));
     m_config_device_tree->setAccessibleName(tr("Flash devices and their partitions"));
     m_flash_loader_edit = new QLineEdit;
@@ -120,13 +183,13 @@ void VEK_TAB_CONFIG_DEVICE::update_flash_loader()
 void VEK_TAB_CONFIG_DEVICE::show_flash_devices()
 {
     m_config_device_tree->clear();
-    const auto add_partition = [this](QStandardItem* parent, const PGM_COMMON_XML_VEK_PARTITION& partition) {
-        const auto* const assignment = VEK_FILE_ASSISTANT::get_assignment_element(m_vek.get(), partition.id);
-        m_config_device_tree->add_row(
-            parent, {VEK_GUI_UTIL::from_local(partition.id), get_address_text(partition.s_addr),
-                     get_address_text(partition.e_addr),
-                     assignment == nullptr ? QString() : VEK_GUI_UTIL::from_local(assignment->page),
-                     get_input_text(partition.id)});
+    const PARTITION_INPUTS inputs(*m_vek);
+    const auto add_partition = [this, &inputs](QStandardItem* parent,
+                                               const PGM_COMMON_XML_VEK_PARTITION& partition) {
+        m_config_device_tree->add_row(parent,
+                                      {VEK_GUI_UTIL::from_local(partition.id),
+                                       get_address_text(partition.s_addr), get_address_text(partition.e_addr),
+                                       inputs.get_page(partition.id), inputs.get_text(partition.id)});
     };
     for (const auto* const flash_device : VEK_FILE_ASSISTANT::get_flash_device_elements(m_vek.get())) {
         QStandardItem* const row =
@@ -143,25 +206,6 @@ void VEK_TAB_CONFIG_DEVICE::show_flash_devices()
         }
     }
     m_config_device_tree->show_rows();
-}
-
-QString VEK_TAB_CONFIG_DEVICE::get_input_text(const std::string& partition_id) const
-{
-    QStringList names;
-    const auto* const bitstream_id = VEK_FILE_ASSISTANT::get_bitstream_id_element(m_vek.get(), partition_id);
-    if (bitstream_id != nullptr) {
-        for (const auto* const path :
-             VEK_FILE_ASSISTANT::get_path_elements(m_vek.get(), bitstream_id->text)) {
-            names.append(VEK_GUI_UTIL::from_local(FIO_PATH(path->text).filename()));
-        }
-    }
-    for (const auto* const id : VEK_FILE_ASSISTANT::get_raw_file_id_elements(m_vek.get(), partition_id)) {
-        const auto* const raw_file = VEK_FILE_ASSISTANT::get_raw_file_element(m_vek.get(), id->text);
-        if (raw_file != nullptr) {
-            names.append(VEK_GUI_UTIL::from_local(FIO_PATH(raw_file->text).filename()));
-        }
-    }
-    return names.isEmpty() ? tr("None") : names.join(QStringLiteral(", "));
 }
 
 void VEK_TAB_CONFIG_DEVICE::add_device(const std::string& device_name)

@@ -39,7 +39,7 @@ VEK_TAB_INPUT_FILES::VEK_TAB_INPUT_FILES(std::shared_ptr<PGM_COMMON_XML_VEK_VEK>
     VEK_ASSERT(m_vek != nullptr);
     VEK_ASSERT(m_cache != nullptr);
     m_input_file_tree = new VEK_LIST_VIEW(
-        {tr("File Path"), tr("Type"), tr("Compression"), tr("Encryption"), tr("Directory")}, this);
+        {tr("File Path"), tr("Type"), tr("Compression"), tr("Encryption"), tr("Directory")}, nullptr);
     m_input_file_tree->setObjectName(QStringLiteral("m_input_file_tree"));
     m_input_file_tree->setAccessibleName(tr("Input files"));
     m_file_types_label = new QLabel;

@@ -94,7 +94,7 @@ void VEK_TAB_OUTPUT_FILES::create_widgets()
     m_browse_button->setObjectName(QStringLiteral("m_browse_button"));
     m_name_edit = new QLineEdit;
     m_name_edit->setObjectName(QStringLiteral("m_name_edit"));
-    m_file_type_tree = new VEK_LIST_VIEW({tr("Description"), tr("File Name")}, this);
+    m_file_type_tree = new VEK_LIST_VIEW({tr("Description"), tr("File Name")}, nullptr);
     m_file_type_tree->setObjectName(QStringLiteral("m_file_type_tree"));
     m_file_type_tree->setAccessibleName(tr("Output files"));
 

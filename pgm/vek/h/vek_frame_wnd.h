@@ -106,7 +106,7 @@ private:
     void refresh();
     void reset();
     void close_tabs();
-    /// Shows `format` with `message` in place of its "%s".
+    /// Shows `format` with `message` in place of its "%s", a long message with its end among the details.
     void show_failure(const char* format, const std::string& message);
 
     std::shared_ptr<PGM_COMMON_XML_VEK_VEK> m_vek;

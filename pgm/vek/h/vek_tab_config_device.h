@@ -41,7 +41,6 @@ signals:
 
 private:
     void show_flash_devices();
-    QString get_input_text(const std::string& partition_id) const;
     void add_device(const std::string& device_name);
     void add_reserved_partition(const std::string& device_id, const VEK_UTIL_PARTITION_INFO& partition);
     void remove_device(const std::string& device_id);
