@@ -61,9 +61,9 @@ public:
 
     /// Opens a bitstream file, checks the structure and integrity of its header, and finds its device. Reads
     /// headers only, so that it may be asked at every repaint. On false `message` says what is wrong.
-    /// `report_details`: also verify that the sections lie within the file and name the offending one.
+    /// `must_be_bitstream` false lets a file that is no bitstream pass as raw data, with a null device.
     static bool precheck_input_file(const FIO_PATH& path, const PGM_DEVICE** device, std::string& device_name,
-                                    std::string& message, bool report_details);
+                                    std::string& message, bool must_be_bitstream);
 
     /// Rules for a partition by its name. The two flags are partition_rule_flag_a and _b of the session.
     static bool partition_has_page(const std::string& name, PGMIO_CONFIG_SCHEME mode, DEV_FAMILY_ENUM family,

@@ -105,9 +105,9 @@ void VEK_UTIL::get_family_pcf_info(DEV_FAMILY_ENUM family, DEV_DEVICE_ENUM devic
 }
 
 bool VEK_UTIL::precheck_input_file(const FIO_PATH& path, const PGM_DEVICE** device, std::string& device_name,
-                                   std::string& message, bool report_details)
+                                   std::string& message, bool must_be_bitstream)
 {
-    return precheck_bitstream_file(path.fullpath(), report_details, device, device_name, message);
+    return precheck_bitstream_file(path.fullpath(), must_be_bitstream, device, device_name, message);
 }
 
 bool VEK_UTIL::partition_has_page(const std::string& name, PGMIO_CONFIG_SCHEME mode, DEV_FAMILY_ENUM family,
