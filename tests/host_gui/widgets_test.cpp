@@ -171,12 +171,13 @@ TEST_F(FILE_DIALOG_TEST, without_an_answer_the_dialog_comes_up_with_its_checkbox
     dialog.enable_checkbox(true);
     EXPECT_TRUE(dialog.is_checkbox_checked());
     MODAL_ANSWERS answers;
-    answers.run([](QDialog& shown) {
+    answers.run([&path](QDialog& shown) {
         QCheckBox* const checkbox = shown.findChild<QCheckBox*>("remember_checkbox");
         EXPECT_TRUE(checkbox->isVisible());
         EXPECT_EQ(checkbox->text(), "&Remember in Open Recent");
         checkbox->click();
-        dynamic_cast<QFileDialog&>(shown).selectFile("a.vek");
+        // Typed, because the dialog lists the directory in its own time.
+        shown.findChild<QLineEdit*>("fileNameEdit")->setText(path);
         shown.accept();
     });
     EXPECT_EQ(dialog.exec(), QDialog::Accepted);
