@@ -100,8 +100,9 @@ private:
         }
         const std::string own =
             element_label(PGM_COMMON_XML_ENUM_STRING[element.m_class_type], id_of(element, *descriptor));
-        // The groups say nothing that their children do not say.
-        const bool is_group = descriptor->attributes.empty() && descriptor->text_type == PGM_XML_TYPE_NONE;
+        // The root and the groups say nothing that their children do not say.
+        const bool is_group = descriptor->kind == PGM_COMMON_XML_ENUM_VEK ||
+                              (descriptor->attributes.empty() && descriptor->text_type == PGM_XML_TYPE_NONE);
         const std::string label = parent.empty() ? own : parent + " / " + own;
         int index = 0;
         for (const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& attribute : descriptor->attributes) {
@@ -114,7 +115,7 @@ private:
             }
         }
         for (const PGM_COMMON_XML_ELEMENT* child : element.m_childs) {
-            check_element(*child, is_group || parent.empty() ? "" : label);
+            check_element(*child, is_group ? "" : label);
         }
     }
 
