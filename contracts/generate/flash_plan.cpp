@@ -105,8 +105,7 @@ private:
             !partition_rule_has_page(partition.element->id, m_facts.mode, m_facts.family)) {
             return;
         }
-        const std::size_t limit =
-            has_content(PARTITION_CONTENT_PAGE_TABLE) ? OPTIONS_PAGE_COUNT : POINTER_SLOT_COUNT;
+        const std::size_t limit = m_has_page_table ? OPTIONS_PAGE_COUNT : POINTER_SLOT_COUNT;
         if (page >= limit) {
             refuse(FINDING_PAGE_OUT_OF_RANGE, partition.label,
                    "The page is " + std::to_string(page) + ", and the highest that there is is " +
@@ -116,13 +115,13 @@ private:
         }
     }
 
-    bool has_content(PARTITION_CONTENT content) const
+    bool has_page_table() const
     {
         return std::any_of(m_element.partition.begin(), m_element.partition.end(),
-                           [&](const PGM_COMMON_XML_VEK_PARTITION* partition) {
+                           [this](const PGM_COMMON_XML_VEK_PARTITION* partition) {
                                const PARTITION_RULE* rule =
                                    find_partition_rule(partition->id, m_facts.mode, m_facts.family);
-                               return rule != nullptr && rule->content == content;
+                               return rule != nullptr && rule->content == PARTITION_CONTENT_PAGE_TABLE;
                            });
     }
 
@@ -216,7 +215,7 @@ private:
         } else if (!add_raw_files(partition)) {
             report_missing_input(partition);
         }
-        if (partition.bitstream != nullptr && !partition.page && has_content(PARTITION_CONTENT_PAGE_TABLE)) {
+        if (partition.bitstream != nullptr && !partition.page && m_has_page_table) {
             refuse(FINDING_PAGE_MISSING, partition.label,
                    "The bitstream \"" + partition.bitstream->id +
                        "\" has no page here, so that the device cannot select it; give it a page from 0 to " +
@@ -432,6 +431,7 @@ private:
     const STREAM_PROVIDER& m_streams;
     FLASH_PLAN& m_plan;
     FINDINGS& m_findings;
+    const bool m_has_page_table = has_page_table();
     bool m_usable = true;
     bool m_names_checked = false;
 };
