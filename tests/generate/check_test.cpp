@@ -8,6 +8,9 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace
 {
@@ -508,4 +511,27 @@ TEST(check, the_documentation_lists_every_finding_as_the_table_has_it)
                        row.meaning + " | " + row.remedy + " |");
     }
     EXPECT_EQ(documented, rows);
+}
+
+TEST(check, a_directory_that_the_user_may_not_write_to_is_refused)
+{
+    PASSIVE setup;
+    ASSERT_EQ(chmod(setup.directory().path().c_str(), 0555), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        if (setgid(65534) != 0 || setuid(65534) != 0) {
+            _exit(2);
+        }
+        const auto found = sentences(check(setup), FINDING_DIRECTORY_NOT_WRITABLE);
+        _exit(found ==
+                      std::vector<std::string>{
+                          "OUTPUT_FILE \"RBF\": The output directory \"" + setup.directory().path() +
+                          "\" cannot be written to; change its permissions or choose another."}
+                  ? 0
+                  : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    chmod(setup.directory().path().c_str(), 0755);
 }
