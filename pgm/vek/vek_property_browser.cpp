@@ -4,6 +4,7 @@
 #include "vek_file_assistant.h"
 #include "vek_file_edit.h"
 #include "vek_gui_util.h"
+#include "vek_key_entry_edit.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -143,6 +144,17 @@ VEK_PROPERTY_BROWSER::create_file_edit_property(std::uint32_t id, const char* la
     return {prop_label, prop_file_edit, id, TYPE_FILE};
 }
 
+VEK_PROPERTY_BROWSER::PROPERTY
+VEK_PROPERTY_BROWSER::create_key_entry_edit_property(std::uint32_t id, const char* label, const char* tooltip,
+                                                     unsigned int key_bits, const QString& text)
+{
+    auto* const prop_label = create_label(label, tooltip);
+    auto* const prop_key_entry_edit = new (std::nothrow) VEK_KEY_ENTRY_EDIT(key_bits, text, nullptr);
+    VEK_ASSERT(prop_key_entry_edit);
+    prop_key_entry_edit->setObjectName(QString::fromLocal8Bit(label));
+    return {prop_label, prop_key_entry_edit, id, TYPE_KEY};
+}
+
 void VEK_PROPERTY_BROWSER::add_property_to_layout(const PROPERTY& property, QGridLayout& grid)
 {
     // An empty grid reports one row, so that the rows of every grid begin at 1.
@@ -261,10 +273,11 @@ QString VEK_PROPERTY_BROWSER::get_widget_value(std::uint32_t id) const
         return VEK_GUI_UTIL::from_local(editor_of<VEK_FILE_EDIT>(property).get_path().fullpath());
     case TYPE_LINE:
         return editor_of<QLineEdit>(property).text();
+    case TYPE_KEY:
+        return editor_of<VEK_KEY_ENTRY_EDIT>(property).get_key();
     case TYPE_CHECK:
         return VEK_GUI_UTIL::from_local(
             VEK_FILE_ASSISTANT::convert_bool_to_string(editor_of<QCheckBox>(property).isChecked()));
-    case TYPE_KEY:
     case TYPE_INVALID:
         break;
     }

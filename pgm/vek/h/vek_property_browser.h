@@ -63,6 +63,9 @@ public:
     static PROPERTY create_file_edit_property(std::uint32_t id, const char* label, const char* tooltip,
                                               const std::vector<FIO_FILE_TYPE>& file_types,
                                               QFileDialog::FileMode file_mode);
+    /// A key has `key_bits` / 4 digits. The text is not used.
+    static PROPERTY create_key_entry_edit_property(std::uint32_t id, const char* label, const char* tooltip,
+                                                   unsigned int key_bits, const QString& text);
 
     /// Adds a loose row; rows that follow each other share a grid. False when the id is taken.
     bool add_property(const PROPERTY& property);
