@@ -34,7 +34,7 @@ public:
             ->type_name("FILE")
             ->required();
         command->footer(
-            "Example:\n  imagewright-cmd pack --device BA25 --core image.bin --scheme PS -o top.sof");
+            "Example:\n  imagewright-cmd pack --device BS1L40 --core image.bin --scheme PS -o top.sof");
         return command;
     }
 

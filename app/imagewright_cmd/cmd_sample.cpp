@@ -24,7 +24,7 @@ public:
         command->add_option("-o,--output", m_output, "Bitstream file to write (.sof)")
             ->type_name("FILE")
             ->required();
-        command->footer("Example:\n  imagewright-cmd sample --device BA25 --seed 7 -o top.sof");
+        command->footer("Example:\n  imagewright-cmd sample --device BS1L40 --seed 7 -o top.sof");
         return command;
     }
 

@@ -31,7 +31,7 @@ JSON element_json(const PGM_COMMON_XML_ELEMENT& element)
     }
     for (const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& attribute : descriptor.attributes) {
         const std::string& value = element.read_attribute_string(attribute.name);
-        if (!value.empty() && attribute.type != PGM_XML_TYPE_SECRET) {
+        if (value != attribute.default_value && attribute.type != PGM_XML_TYPE_SECRET) {
             object[std::string(attribute.name)] = value;
         }
     }

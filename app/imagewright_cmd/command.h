@@ -3,7 +3,7 @@
 
 #include "exit_code.h"
 
-#include <CLI/App.hpp>
+#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <iosfwd>

@@ -16,7 +16,7 @@ constexpr const char* DESCRIPTION =
 constexpr const char* FOOTER =
     "Examples:\n"
     "  imagewright-cmd list devices --json\n"
-    "  imagewright-cmd sample --device BA25 --seed 1 -o top.sof\n"
+    "  imagewright-cmd sample --device BS1L40 --seed 1 -o top.sof\n"
     "  imagewright-cmd generate board.vek\n"
     "\n"
     "Exit codes: 0 done, 1 refused by a check, 2 wrong usage, 3 input unreadable,\n"

@@ -7,9 +7,11 @@ namespace
 
 std::string digest_text(std::span<const std::uint8_t> digest)
 {
+    constexpr std::string_view DIGITS = "0123456789abcdef";
     std::string text;
     for (const std::uint8_t byte : digest) {
-        text += hex_text(byte).substr(8);
+        text += DIGITS[byte >> 4];
+        text += DIGITS[byte & 15];
     }
     return text;
 }
