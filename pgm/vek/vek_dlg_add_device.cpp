@@ -1,6 +1,6 @@
 #include "vek_dlg_add_device.h"
 
-#include "cfg.h"
+#include "flash_offer.h"
 #include "msg_internal_error.h"
 #include "nivo_icon.h"
 #include "nivo_safe_connect.h"
@@ -11,38 +11,6 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QVBoxLayout>
-
-#include <algorithm>
-
-namespace
-{
-
-constexpr char ALLOW_CFI_4G_KEY[] = "pgm_allow_cfi4g";
-constexpr char ALLOW_KELT_KEY[] = "PGM_ALLOW_KELT_DEVICE";
-constexpr char ALLOW_TESSEL_KEY[] = "PGM_ALLOW_TESSEL_DEVICE";
-
-/// Whether a serial flash device is offered. The two keys of the special family look crossed; hosts rely on
-/// them as they are.
-bool offers_serial_device(const PGM_DEVICE& device)
-{
-    if (device.device_class != DEV_CLASS_CONFIG_FLASH) {
-        return false;
-    }
-    const bool special = PGM_DEVICE_INDEX::is_tsu_tessel_device(&device);
-    if (device.family == DEV_FAMILY_SERIAL_A || device.family == DEV_FAMILY_SERIAL_B) {
-        return true;
-    }
-    if (device.family == DEV_FAMILY_ASC_SERIAL) {
-        return PGM_DEVICE_INDEX::enable_asc_device(&device, true, true);
-    }
-    if (device.family == DEV_FAMILY_SPECIAL_FLASH) {
-        return (cfg_is_on(ALLOW_KELT_KEY, true) && special) ||
-               (cfg_is_on(ALLOW_TESSEL_KEY, false) && !special);
-    }
-    return false;
-}
-
-} // namespace
 
 VEK_DLG_ADD_DEVICE::VEK_DLG_ADD_DEVICE(const std::vector<DEV_FAMILY_ENUM>& families, DEV_FAMILY_ENUM family,
                                        PGMIO_CONFIG_SCHEME mode, QWidget* parent, Qt::WindowFlags flags)
@@ -79,19 +47,12 @@ void VEK_DLG_ADD_DEVICE::populate_device_combo_box()
     const DEV_FAMILY_MANAGER family_manager;
     for (const PGM_DEVICE* const device : PGM_DEVICE_INDEX::get_device_list()) {
         VEK_ASSERT_TEXT(device != nullptr, "device != NULL");
-        if ((device->ask_not_listed && device->is_dev_not_listed()) ||
-            (device->ask_no_pof && device->is_dev_no_pof()) ||
-            std::find(m_families.begin(), m_families.end(), device->family) == m_families.end()) {
+        if (!flash_device_is_offered(*device, m_families)) {
             continue;
         }
         std::string label = device->name;
         if (device->family == DEV_FAMILY_CFI_FLASH) {
-            if (device->device == DEV_DEVICE_CFI_4G && !cfg_is_on(ALLOW_CFI_4G_KEY, false)) {
-                continue;
-            }
             label.back() = 'b';
-        } else if (!offers_serial_device(*device)) {
-            continue;
         }
         m_device_combo->insertItem(m_device_combo->count(), QIcon(), VEK_GUI_UTIL::from_local(label),
                                    QVariant());
