@@ -64,7 +64,6 @@ TEST_F(BAD_INPUT, the_good_setup_generates)
 {
     const CHILD_RESULT result = run({"generate", "board.vek"});
     EXPECT_EQ(result.exit_code, DONE) << result.err;
-    EXPECT_EQ(TEMPORARY_DIRECTORY().entries().size(), 0U);
     EXPECT_TRUE(fs::exists(m_directory / "out/board.rbf"));
 }
 
@@ -109,7 +108,7 @@ std::string entity_bomb()
 INSTANTIATE_TEST_SUITE_P(
     each, BAD_SETUP_FILE,
     testing::Values(
-        BAD_SETUP{"empty", "", "line 1"}, BAD_SETUP{"no_xml", "this is no setup", "line 1"},
+        BAD_SETUP{"empty", "", "bad.vek is empty"}, BAD_SETUP{"no_xml", "this is no setup", "line 1"},
         BAD_SETUP{"truncated", "<VEK version=\"1\"><SETTINGS mode=\"PS\"/>", "line 1, column"},
         BAD_SETUP{"bit_flipped", "<VEK version=\"1\"><SETTINGS mode=\"PS\"/></WEK>", "line 1, column"},
         BAD_SETUP{"entity_bomb", entity_bomb(), "DOCTYPE"},
@@ -122,7 +121,7 @@ INSTANTIATE_TEST_SUITE_P(
         BAD_SETUP{"unknown_attribute", "<VEK version=\"1\"><SETTINGS nonsense=\"1\"/></VEK>", "nonsense"},
         BAD_SETUP{"unknown_word", "<VEK version=\"1\"><SETTINGS mode=\"XYZ\"/></VEK>", "XYZ"},
         BAD_SETUP{"newer_version", "<VEK version=\"2\"/>", "version"}),
-    [](const testing::TestParamInfo<BAD_SETUP>& info) { return std::string(info.param.name); });
+    [](const testing::TestParamInfo<BAD_SETUP>& setup) { return std::string(setup.param.name); });
 
 TEST_F(BAD_INPUT, a_setup_that_is_no_regular_file_is_refused_at_once)
 {
