@@ -115,6 +115,11 @@ void VEK_DLG_SOF_PROPERTIES::enable_ok()
         ->setEnabled(m_legal_checkbox == nullptr || m_legal_checkbox->isChecked());
 }
 
+void VEK_DLG_SOF_PROPERTIES::on_change_legal_checkbox()
+{
+    enable_ok();
+}
+
 std::vector<PGM_COMMON_XML_VEK_CMD_PARAM_ENUM> VEK_DLG_SOF_PROPERTIES::get_property_ids() const
 {
     std::vector<PGM_COMMON_XML_VEK_CMD_PARAM_ENUM> params;
