@@ -3,6 +3,7 @@
 
 #include "byte_source.h"
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -22,6 +23,32 @@ struct IMAGE_REGION {
     bool operator==(const IMAGE_REGION&) const = default;
 };
 
+/// The FPGA that JTAG reaches: the one to be configured, or the one through which a flash device is written.
+struct JTAG_TARGET {
+    std::string name;
+    std::uint32_t idcode = 0;        ///< IEEE 1149.1
+    unsigned instruction_length = 0; ///< bits of the instruction register
+
+    bool operator==(const JTAG_TARGET&) const = default;
+};
+
+/// How a serial flash device is written by commands.
+struct SERIAL_FLASH {
+    std::array<std::uint8_t, 3> jedec_id{}; ///< all zero when the device cannot be asked
+    unsigned address_bytes = 0;             ///< 3 or 4
+    std::uint32_t sector_bytes = 0;         ///< smallest block that is erased by itself
+    std::uint32_t page_bytes = 0;           ///< largest block that is written at once
+
+    bool operator==(const SERIAL_FLASH&) const = default;
+};
+
+/// What the vectors of a JTAG file do with the device.
+enum class JTAG_OPERATION : std::uint8_t {
+    PROGRAM,                ///< erase and program
+    VERIFY,                 ///< compare what the device holds
+    BLANK_CHECK_AND_PROGRAM ///< program, provided that the device is blank
+};
+
 /// What a file is made of and how it is to be written. Every format takes what concerns it.
 struct FORMAT_REQUEST {
     const BYTE_SOURCE* image = nullptr; ///< the configuration stream or the flash image
@@ -31,6 +58,11 @@ struct FORMAT_REQUEST {
     bool count_down = false;            ///< HEX: addresses count down from the start address
     bool bitswap = false;               ///< RPD: reverse the bits of each byte
     bool use_relative = false;          ///< RPD: from the first used byte to the last, start_address unread
+    JTAG_TARGET target;                 ///< JTAG formats: the device; JIC: the flash loader
+    SERIAL_FLASH flash;                 ///< JIC
+    JTAG_OPERATION operation = JTAG_OPERATION::PROGRAM; ///< SVF
+    std::uint64_t frequency = 0;                        ///< SVF: highest TCK frequency in Hz, 0 for any
+    std::string voltage;                                ///< SVF: supply voltage, "3.3"; empty to leave it out
 };
 
 /// A range of addresses with content, as inspection finds it.

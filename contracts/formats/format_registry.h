@@ -12,11 +12,19 @@ enum class FORMAT_SUBJECT : std::uint8_t {
     FLASH_IMAGE, ///< the image of a flash device, with its regions
 };
 
+/// Which part of the configuration goes into a file.
+enum class FORMAT_PART : std::uint8_t {
+    ALL, ///< for a secondary file: what the output that it belongs to has
+    PERIPHERY,
+    CORE,
+};
+
 /// One output file type that this program writes.
 struct FORMAT_ROW {
     VEK_FILE_TYPE type;
     const FORMAT* format;
     FORMAT_SUBJECT subject;
+    FORMAT_PART part = FORMAT_PART::ALL;
 };
 
 /// All rows, ascending by type. A new type is a new row.

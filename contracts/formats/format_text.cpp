@@ -12,6 +12,14 @@ std::string hex_text(std::uint64_t value, unsigned digits)
     return text;
 }
 
+std::string printable_text(const std::string& text)
+{
+    std::string printable = text.substr(0, 100);
+    std::replace_if(
+        printable.begin(), printable.end(), [](char c) { return c < ' ' || c > '~' || c == '"'; }, '?');
+    return printable;
+}
+
 std::string bytes_text(std::uint64_t count)
 {
     return std::to_string(count) + (count == 1 ? " byte" : " bytes");

@@ -1,8 +1,9 @@
 #include "pof_format.h"
 
+#include "flash_commands.h"
 #include "format_text.h"
 #include "image_compare.h"
-#include "pof_layout.h"
+#include "jtag_program.h"
 #include "pof_reader.h"
 
 #include <algorithm>
@@ -19,7 +20,7 @@ bool put_text(std::vector<std::uint8_t>& bytes, const std::string& text, std::st
 {
     if (text.size() > pof::MOST_TEXT) {
         message = "The name \"" + text.substr(0, 40) + "...\" has " + bytes_text(text.size()) +
-                  "; a POF holds " + std::to_string(pof::MOST_TEXT) + " at most, choose a shorter one.";
+                  "; the file holds " + std::to_string(pof::MOST_TEXT) + " at most, choose a shorter one.";
         return false;
     }
     put_number(bytes, text.size(), 2);
@@ -64,14 +65,39 @@ private:
     std::vector<std::uint8_t> m_pending;
 };
 
-bool write_head(const FORMAT_REQUEST& request, CHUNK_WRITER& writer, std::string& message)
+bool write_head(const pof::KIND& kind, const FORMAT_REQUEST& request, CHUNK_WRITER& writer,
+                std::string& message)
 {
     std::vector<std::uint8_t> payload;
     put_number(payload, pof::MAJOR_VERSION, 2);
     put_number(payload, pof::MINOR_VERSION, 2);
     put_number(payload, request.image->size(), 8);
-    return put_text(payload, request.device, message) && writer.raw(pof::SIGNATURE, message) &&
+    return put_text(payload, request.device, message) && writer.raw(kind.signature, message) &&
            writer.chunk(pof::HEAD, payload, {}, message);
+}
+
+bool write_loader(const FORMAT_REQUEST& request, CHUNK_WRITER& writer, std::string& message)
+{
+    const FLASH_COMMANDS* const commands = find_flash_commands(request.flash.address_bytes);
+    if (commands == nullptr || !jtag::fits(request.target, message)) {
+        if (message.empty())
+            message = request.device +
+                      " is no serial flash device with addresses of 3 or 4 bytes; choose one "
+                      "that a flash loader can write.";
+        return false;
+    }
+    std::vector<std::uint8_t> payload;
+    if (!put_text(payload, request.target.name, message))
+        return false;
+    put_number(payload, request.target.idcode, 4);
+    put_number(payload, request.target.instruction_length, 1);
+    put_number(payload, jtag::FLASH_BRIDGE, 4);
+    payload.insert(payload.end(), request.flash.jedec_id.begin(), request.flash.jedec_id.end());
+    put_number(payload, request.flash.address_bytes, 1);
+    put_number(payload, request.flash.sector_bytes, 4);
+    put_number(payload, request.flash.page_bytes, 4);
+    payload.insert(payload.end(), commands->begin(), commands->end());
+    return writer.chunk(pof::LOAD, payload, {}, message);
 }
 
 bool write_region(const IMAGE_REGION& region, CHUNK_WRITER& writer, std::string& message)
@@ -122,6 +148,14 @@ public:
                   m_request.device + " with " + bytes_text(m_request.image->size()) + ".";
         return false;
     }
+    bool loader(const JTAG_TARGET& target, const SERIAL_FLASH& flash, std::string& message) override
+    {
+        if (target == m_request.target && flash == m_request.flash)
+            return true;
+        message = "The flash loader " + target.name + " is not as the setup has it, which names " +
+                  m_request.target.name + ".";
+        return false;
+    }
     bool region(const IMAGE_REGION& region, std::string& message) override
     {
         if (m_regions < m_request.regions.size() && region == m_request.regions[m_regions]) {
@@ -159,6 +193,7 @@ public:
     explicit DECODING(BYTE_SINK& sink) : m_sink(sink), m_fill(64 * 1024, 0xFF) {}
 
     bool head(const std::string&, std::uint64_t, std::string&) override { return true; }
+    bool loader(const JTAG_TARGET&, const SERIAL_FLASH&, std::string&) override { return true; }
     bool region(const IMAGE_REGION&, std::string&) override { return true; }
     bool fill(std::uint64_t, std::uint64_t length, std::string& message) override
     {
@@ -185,13 +220,26 @@ private:
 class INSPECTING final : public POF_VISITOR
 {
 public:
-    explicit INSPECTING(FORMAT_FACTS& facts) : m_facts(facts) {}
+    INSPECTING(const pof::KIND& kind, FORMAT_FACTS& facts) : m_kind(kind), m_facts(facts) {}
 
     bool head(const std::string& device, std::uint64_t image_size, std::string&) override
     {
-        m_facts.facts.push_back({"format", "flash image for a device programmer"});
+        m_facts.facts.push_back({"format", m_kind.description});
         m_facts.facts.push_back({"device", device});
         m_facts.facts.push_back({"image size", bytes_text(image_size)});
+        return true;
+    }
+    bool loader(const JTAG_TARGET& target, const SERIAL_FLASH& flash, std::string&) override
+    {
+        std::uint64_t id = 0;
+        for (const std::uint8_t byte : flash.jedec_id)
+            id = id << 8 | byte;
+        m_facts.facts.push_back({"flash loader", target.name});
+        m_facts.facts.push_back({"flash loader IDCODE", hex_text(target.idcode)});
+        if (id != 0)
+            m_facts.facts.push_back({"JEDEC identification", hex_text(id, 6)});
+        m_facts.facts.push_back({"sector size", bytes_text(flash.sector_bytes)});
+        m_facts.facts.push_back({"page size", bytes_text(flash.page_bytes)});
         return true;
     }
     bool region(const IMAGE_REGION& region, std::string&) override
@@ -218,15 +266,17 @@ public:
     }
 
 private:
+    const pof::KIND& m_kind;
     FORMAT_FACTS& m_facts;
     std::uint64_t m_size = 0;
 };
 } // namespace
 
-bool POF_FORMAT::write(const FORMAT_REQUEST& request, BYTE_SINK& sink, std::string& message) const
+bool FLASH_FILE_FORMAT::write(const FORMAT_REQUEST& request, BYTE_SINK& sink, std::string& message) const
 {
     CHUNK_WRITER writer(sink);
-    if (!write_head(request, writer, message))
+    if (!write_head(m_kind, request, writer, message) ||
+        (m_kind.has_loader && !write_loader(request, writer, message)))
         return false;
     for (const IMAGE_REGION& region : request.regions)
         if (!write_region(region, writer, message))
@@ -254,27 +304,28 @@ bool POF_FORMAT::write(const FORMAT_REQUEST& request, BYTE_SINK& sink, std::stri
     return writer.chunk(pof::DONE, payload, {}, message) && writer.flush(message);
 }
 
-bool POF_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, std::string& message) const
+bool FLASH_FILE_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file,
+                               std::string& message) const
 {
     VERIFYING visitor(request);
-    return POF_READER(file).read(visitor, message);
+    return POF_READER(m_kind, file).read(visitor, message);
 }
 
-bool POF_FORMAT::decode(const BYTE_SOURCE& file, BYTE_SINK& sink, std::string& message) const
+bool FLASH_FILE_FORMAT::decode(const BYTE_SOURCE& file, BYTE_SINK& sink, std::string& message) const
 {
     DECODING visitor(sink);
-    return POF_READER(file).read(visitor, message);
+    return POF_READER(m_kind, file).read(visitor, message);
 }
 
-bool POF_FORMAT::inspect(const BYTE_SOURCE& file, FORMAT_FACTS& facts, std::string& message) const
+bool FLASH_FILE_FORMAT::inspect(const BYTE_SOURCE& file, FORMAT_FACTS& facts, std::string& message) const
 {
-    INSPECTING visitor(facts);
-    return POF_READER(file).read(visitor, message);
+    INSPECTING visitor(m_kind, facts);
+    return POF_READER(m_kind, file).read(visitor, message);
 }
 
-bool POF_FORMAT::recognise(const BYTE_SOURCE& file)
+bool FLASH_FILE_FORMAT::recognise(const pof::KIND& kind, const BYTE_SOURCE& file)
 {
-    std::array<std::uint8_t, pof::SIGNATURE.size()> begin;
+    std::array<std::uint8_t, 8> begin;
     std::string message;
-    return file.size() >= begin.size() && file.read(0, begin, message) && begin == pof::SIGNATURE;
+    return file.size() >= begin.size() && file.read(0, begin, message) && begin == kind.signature;
 }

@@ -1,6 +1,8 @@
 #include "pof_reader.h"
 
+#include "flash_commands.h"
 #include "format_text.h"
+#include "jtag_program.h"
 
 #include <algorithm>
 #include <cstring>
@@ -48,8 +50,9 @@ private:
 };
 } // namespace
 
-POF_READER::POF_READER(const BYTE_SOURCE& file)
-    : m_file(file), m_reader(file, 0, pof::CHUNK_HEADER + pof::MOST_PAYLOAD + pof::CHUNK_TRAILER)
+POF_READER::POF_READER(const pof::KIND& kind, const BYTE_SOURCE& file)
+    : m_kind(kind), m_file(file),
+      m_reader(file, 0, pof::CHUNK_HEADER + pof::MOST_PAYLOAD + pof::CHUNK_TRAILER)
 {
 }
 
@@ -61,14 +64,14 @@ bool POF_READER::refuse(const std::string& reason, std::string& message) const
 
 bool POF_READER::signature(std::string& message)
 {
-    if (!m_reader.need(pof::SIGNATURE.size(), message))
+    if (!m_reader.need(m_kind.signature.size(), message))
         return false;
-    if (m_reader.available() < pof::SIGNATURE.size() ||
-        !std::equal(pof::SIGNATURE.begin(), pof::SIGNATURE.end(), m_reader.data())) {
-        message = "The file does not begin with the signature of a POF.";
+    if (m_reader.available() < m_kind.signature.size() ||
+        !std::equal(m_kind.signature.begin(), m_kind.signature.end(), m_reader.data())) {
+        message = std::string("The file does not begin with the signature of a ") + m_kind.name + ".";
         return false;
     }
-    m_to_skip = pof::SIGNATURE.size();
+    m_to_skip = m_kind.signature.size();
     return true;
 }
 
@@ -113,9 +116,17 @@ bool POF_READER::read(POF_VISITOR& visitor, std::string& message)
     if (!signature(message) || !next(chunk, message))
         return false;
     if (chunk.tag != pof::HEAD)
-        return refuse("is not the head of a POF, which comes first.", message);
+        return refuse(std::string("is not the head of a ") + m_kind.name + ", which comes first.", message);
     if (!head(chunk, visitor, message))
         return false;
+    if (m_kind.has_loader) {
+        if (!next(chunk, message))
+            return false;
+        if (chunk.tag != pof::LOAD)
+            return refuse("is not the flash loader, which comes behind the head.", message);
+        if (!load(chunk, visitor, message))
+            return false;
+    }
     for (;;) {
         if (!next(chunk, message))
             return false;
@@ -153,6 +164,29 @@ bool POF_READER::head(const CHUNK& chunk, POF_VISITOR& visitor, std::string& mes
     if (!fields.complete_and_empty())
         return refuse("has a wrong length for a head.", message);
     return visitor.head(device, m_image_size, message);
+}
+
+bool POF_READER::load(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message)
+{
+    FIELDS fields(chunk.payload);
+    JTAG_TARGET target;
+    SERIAL_FLASH flash;
+    target.name = fields.text();
+    target.idcode = static_cast<std::uint32_t>(fields.number(4));
+    target.instruction_length = static_cast<unsigned>(fields.number(1));
+    const std::uint64_t bridge = fields.number(4);
+    for (std::uint8_t& byte : flash.jedec_id)
+        byte = static_cast<std::uint8_t>(fields.number(1));
+    flash.address_bytes = static_cast<unsigned>(fields.number(1));
+    flash.sector_bytes = static_cast<std::uint32_t>(fields.number(4));
+    flash.page_bytes = static_cast<std::uint32_t>(fields.number(4));
+    const FLASH_COMMANDS* const commands = find_flash_commands(flash.address_bytes);
+    bool known = bridge == jtag::FLASH_BRIDGE && commands != nullptr;
+    for (std::size_t i = 0; i != FLASH_COMMANDS().size(); ++i)
+        known = fields.number(1) == (commands != nullptr ? (*commands)[i] : 0) && known;
+    if (!fields.complete_and_empty() || !known)
+        return refuse("has a wrong length or value for a flash loader.", message);
+    return visitor.loader(target, flash, message);
 }
 
 bool POF_READER::part(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message)

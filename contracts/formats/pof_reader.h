@@ -9,12 +9,13 @@
 #include <span>
 #include <string>
 
-/// What a POF_READER hands over, in the order of the file.
+/// What a POF_READER hands over, in the order of the file. The loader comes from a JIC alone.
 class POF_VISITOR
 {
 public:
     virtual ~POF_VISITOR() = default;
     virtual bool head(const std::string& device, std::uint64_t image_size, std::string& message) = 0;
+    virtual bool loader(const JTAG_TARGET& target, const SERIAL_FLASH& flash, std::string& message) = 0;
     virtual bool region(const IMAGE_REGION& region, std::string& message) = 0;
     /// `length` bytes of fill from `address` on.
     virtual bool fill(std::uint64_t address, std::uint64_t length, std::string& message) = 0;
@@ -22,12 +23,12 @@ public:
     virtual bool done(std::uint32_t image_crc, std::string& message) = 0;
 };
 
-/// Reads a POF from front to back and holds it to all of its rules: signature, version, lengths, checksums,
-/// order, addresses, end. Whoever visits sees each byte of the image once, as data or as fill.
+/// Reads a flash file from front to back and holds it to all of its rules: signature, version, lengths,
+/// checksums, order, addresses, end. Whoever visits sees each byte of the image once, as data or as fill.
 class POF_READER
 {
 public:
-    explicit POF_READER(const BYTE_SOURCE& file);
+    POF_READER(const pof::KIND& kind, const BYTE_SOURCE& file);
 
     bool read(POF_VISITOR& visitor, std::string& message);
 
@@ -40,12 +41,14 @@ private:
     bool signature(std::string& message);
     bool next(CHUNK& chunk, std::string& message);
     bool head(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message);
+    bool load(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message);
     bool part(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message);
     bool data(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message);
     bool done(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message);
     bool fill_to(std::uint64_t address, POF_VISITOR& visitor, std::string& message);
     bool refuse(const std::string& reason, std::string& message) const;
 
+    const pof::KIND& m_kind;
     const BYTE_SOURCE& m_file;
     BLOCK_READER m_reader;
     std::size_t m_to_skip = 0;        ///< the chunk that next() gave last

@@ -2,6 +2,7 @@
 #include "check.h"
 #include "configuration_stream.h"
 #include "flash_plan.h"
+#include "format_registry.h"
 #include "pgm_device.h"
 #include "vek_db.h"
 
@@ -48,13 +49,35 @@ std::shared_ptr<const BYTE_SOURCE> bound_stream(const PGM_COMMON_XML_VEK_BITSTRE
     return std::make_shared<SIZE_SOURCE>(size);
 }
 
-std::shared_ptr<const BYTE_SOURCE> real_stream(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
-                                               std::string& message)
+/// Gives the sizes of real streams.
+STREAM_PROVIDER real_streams(STREAM_SELECTION selection)
 {
-    std::error_code error;
-    const std::string directory = std::filesystem::temp_directory_path(error).string();
-    const auto stream = build_configuration_stream(stream_inputs(bitstream), directory, message);
-    return stream ? std::make_shared<SIZE_SOURCE>(stream->size()) : nullptr;
+    return [selection](const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
+                       std::string& message) -> std::shared_ptr<const BYTE_SOURCE> {
+        std::error_code error;
+        const std::string directory = std::filesystem::temp_directory_path(error).string();
+        const auto stream =
+            build_configuration_stream(stream_inputs(bitstream), directory, message, selection);
+        return stream ? std::make_shared<SIZE_SOURCE>(stream->size()) : nullptr;
+    };
+}
+
+/// Whether files of the periphery alone are all that is made from the flash device.
+bool holds_periphery_alone(const SETUP_VIEW& setup, const std::string& id)
+{
+    bool periphery = false;
+    for (const PGM_COMMON_XML_VEK_OUTPUT_FILE* output : setup.output_files()) {
+        const FORMAT_ROW* row = find_format_row(output_type_of(output->type));
+        for (const PGM_COMMON_XML_VEK_FLASH_DEVICE_ID* link : output->flash_device_id) {
+            if (link->text == id && row != nullptr) {
+                if (row->part != FORMAT_PART::PERIPHERY) {
+                    return false;
+                }
+                periphery = true;
+            }
+        }
+    }
+    return periphery;
 }
 
 bool is_used(const SETUP_VIEW& setup, const std::string& id)
@@ -140,7 +163,9 @@ private:
         }
         FLASH_PLAN exact;
         FINDINGS of_streams;
-        plan_flash(m_setup, m_facts, element, real_stream, exact, of_streams);
+        const STREAM_SELECTION selection =
+            holds_periphery_alone(m_setup, element.id) ? STREAM_SELECTION::PERIPHERY : STREAM_SELECTION::ALL;
+        plan_flash(m_setup, m_facts, element, real_streams(selection), exact, of_streams);
         copy(of_streams);
     }
 

@@ -96,6 +96,14 @@ private:
                 "The start address \"" + plan.options->s_addr +
                     "\" is no hexadecimal number of at most 32 bits; write one such as 0x00010000.");
         }
+        std::uint64_t frequency = 0;
+        if (plan.type == VEK_SVF_FILE_TYPE && plan.options != nullptr && !plan.options->frequency.empty() &&
+            !parse_frequency(plan.options->frequency, frequency)) {
+            m_findings.add(FINDING_FREQUENCY, plan.label,
+                           "The TCK frequency \"" + plan.options->frequency +
+                               "\" is no number with its unit, Hz, kHz or MHz, of at least 1 Hz; write one "
+                               "such as 10 MHz.");
+        }
     }
 
     void check_sources(const OUTPUT_PLAN& plan)

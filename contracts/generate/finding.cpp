@@ -74,6 +74,8 @@ constexpr FINDING_ROW ROWS[] = {
      "Give each its own."},
     {FINDING_MBR_NOT_SUPPORTED, "mbr-not-supported", FINDING_FORBIDS_GENERATE,
      "The setup has a master boot record, which this version cannot write.", "Remove it."},
+    {FINDING_FREQUENCY, "frequency", FINDING_FORBIDS_GENERATE,
+     "The TCK frequency of a vector file is no number with its unit.", "Write one such as 10 MHz."},
     {FINDING_LAYOUT_ADDRESS, "layout-address", FINDING_FORBIDS_GENERATE,
      "An address is no hexadecimal number.", "Correct it or write \"auto\"."},
     {FINDING_LAYOUT_START_ABOVE_END, "layout-start-above-end", FINDING_FORBIDS_GENERATE,

@@ -127,23 +127,32 @@ private:
         return report(targets) && directories_exist;
     }
 
-    /// The bitstreams of an output that is made from them, as one text that tells equal lists.
-    static std::string stream_key(const std::vector<std::string>& ids)
+    static STREAM_SELECTION selection_of(FORMAT_PART part)
     {
-        std::string key;
+        switch (part) {
+        case FORMAT_PART::ALL:
+            return STREAM_SELECTION::ALL;
+        case FORMAT_PART::PERIPHERY:
+            return STREAM_SELECTION::PERIPHERY;
+        case FORMAT_PART::CORE:
+            break;
+        }
+        return STREAM_SELECTION::CORE;
+    }
+
+    /// A part of bitstreams as one text that tells equal lists.
+    static std::string stream_key(FORMAT_PART part, const std::vector<std::string>& ids)
+    {
+        std::string key = std::to_string(static_cast<unsigned>(part)) + ' ';
         for (const std::string& id : ids) {
             key += std::to_string(id.size()) + ":" + id;
         }
         return key;
     }
 
-    static std::vector<std::string> stream_ids(const OUTPUT_PLAN& plan)
+    std::vector<std::string> stream_ids(const OUTPUT_PLAN& plan) const
     {
-        std::vector<std::string> ids;
-        for (const PGM_COMMON_XML_VEK_BITSTREAM_ID* id : plan.output->bitstream_id) {
-            ids.push_back(id->text);
-        }
-        return ids;
+        return output_bitstreams(m_setup, *plan.output);
     }
 
     static bool is_from_flash(const OUTPUT_PLAN& plan)
@@ -152,16 +161,17 @@ private:
         return row != nullptr && row->subject == FORMAT_SUBJECT::FLASH_IMAGE;
     }
 
-    static std::string flash_id(const OUTPUT_PLAN& plan)
+    using FLASH_KEY = std::pair<FORMAT_PART, std::string>;
+    static FLASH_KEY flash_key(const OUTPUT_PLAN& plan)
     {
-        return plan.output->flash_device_id.front()->text;
+        return {plan.part, plan.output->flash_device_id.front()->text};
     }
 
-    void want_stream(const std::vector<std::string>& ids)
+    void want_stream(FORMAT_PART part, const std::vector<std::string>& ids)
     {
-        const auto [entry, is_new] = m_streams.emplace(stream_key(ids), STREAM());
+        const auto [entry, is_new] = m_streams.emplace(stream_key(part, ids), STREAM());
         if (is_new) {
-            m_stream_jobs.emplace_back(ids, &entry->second);
+            m_stream_jobs.push_back({part, ids, &entry->second});
         }
     }
 
@@ -170,30 +180,20 @@ private:
         for (const OUTPUT_PLAN& plan : m_plans) {
             m_directories.insert(plan.directory);
             if (is_from_flash(plan)) {
-                if (m_flash.emplace(flash_id(plan), FLASH()).second) {
-                    want_streams_of(flash_id(plan));
+                if (m_flash.emplace(flash_key(plan), FLASH()).second) {
+                    for (const std::string& id : stream_ids(plan)) {
+                        want_stream(plan.part, {id});
+                    }
                 }
             } else {
-                want_stream(stream_ids(plan));
+                want_stream(plan.part, stream_ids(plan));
             }
         }
-        for (const auto& job : m_stream_jobs) {
-            for (const STREAM_INPUT& input : inputs_of(job.first)) {
+        for (const STREAM_JOB& job : m_stream_jobs) {
+            for (const STREAM_INPUT& input : inputs_of(job.ids)) {
                 std::string message;
                 const auto file = FILE_SOURCE::open(input.path, message);
                 m_input_bytes += file ? file->size() : 0;
-            }
-        }
-    }
-
-    void want_streams_of(const std::string& flash_device_id)
-    {
-        for (const PGM_COMMON_XML_VEK_PARTITION* partition :
-             m_setup.flash_devices().find(flash_device_id)->partition) {
-            const PGM_COMMON_XML_VEK_ASSIGNMENT* assignment = m_setup.assignments().find(partition->id);
-            const bool boots = partition->id == "BOOT_INFO";
-            if (assignment != nullptr && !assignment->bitstream_id.empty() && !boots) {
-                want_stream({assignment->bitstream_id.front()->text});
             }
         }
     }
@@ -211,9 +211,9 @@ private:
     void build_streams()
     {
         run_parallel(m_stream_jobs.size(), m_options.threads, [this](std::size_t i) {
-            const auto& [ids, stream] = m_stream_jobs[i];
-            stream->content =
-                build_configuration_stream(inputs_of(ids), *m_directories.begin(), stream->failure);
+            const auto& [part, ids, stream] = m_stream_jobs[i];
+            stream->content = build_configuration_stream(inputs_of(ids), *m_directories.begin(),
+                                                         stream->failure, selection_of(part));
             for (const STREAM_INPUT& input : inputs_of(ids)) {
                 std::string message;
                 const auto file = FILE_SOURCE::open(input.path, message);
@@ -222,23 +222,26 @@ private:
         });
     }
 
-    const STREAM_PROVIDER m_provider = [this](const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
-                                              std::string& message) -> std::shared_ptr<const BYTE_SOURCE> {
-        const auto stream = m_streams.find(stream_key({bitstream.id}));
-        message = stream->second.failure;
-        return stream->second.content;
-    };
+    STREAM_PROVIDER provider(FORMAT_PART part) const
+    {
+        return [this, part](const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
+                            std::string& message) -> std::shared_ptr<const BYTE_SOURCE> {
+            const auto stream = m_streams.find(stream_key(part, {bitstream.id}));
+            message = stream->second.failure;
+            return stream->second.content;
+        };
+    }
 
     /// False when a layout cannot be used, which has been reported.
     bool build_flash_contents()
     {
         bool usable = true;
         std::vector<std::pair<FLASH_PLAN, FLASH*>> jobs;
-        for (auto& [id, flash] : m_flash) {
+        for (auto& [key, flash] : m_flash) {
             FINDINGS findings;
             jobs.emplace_back(FLASH_PLAN(), &flash);
-            plan_flash(m_setup, m_facts, *m_setup.flash_devices().find(id), m_provider, jobs.back().first,
-                       findings);
+            plan_flash(m_setup, m_facts, *m_setup.flash_devices().find(key.second), provider(key.first),
+                       jobs.back().first, findings);
             usable = report(findings) && usable;
         }
         if (!usable) {
@@ -246,26 +249,42 @@ private:
         }
         run_parallel(jobs.size(), m_options.threads, [&](std::size_t i) {
             auto& [plan, flash] = jobs[i];
-            flash->device = plan.device->user_name();
+            flash->device = plan.device;
             build_flash_content(plan, flash->content, flash->failure);
         });
         return true;
+    }
+
+    static JTAG_TARGET target_of(const PGM_DEVICE* device)
+    {
+        return device != nullptr
+                   ? JTAG_TARGET{device->user_name(), device->idcode, device->instruction_length}
+                   : JTAG_TARGET();
     }
 
     /// The request of an output; false with the reason when what it is made from is not there.
     bool make_request(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request, std::string& failure) const
     {
         if (is_from_flash(plan)) {
-            const FLASH& flash = m_flash.at(flash_id(plan));
+            const FLASH& flash = m_flash.at(flash_key(plan));
             failure = flash.failure;
             request.image = flash.content.image.get();
             request.regions = flash.content.regions;
-            request.device = flash.device;
+            request.device = flash.device->user_name();
+            request.flash = {flash.device->jedec_id, flash.device->address_width / 8,
+                             flash.device->sector_bytes, flash.device->page_bytes};
+            if (!m_setup.flash_loader().empty()) {
+                request.target = target_of(PGM_DEVICE_INDEX::find_by_name(m_setup.flash_loader()));
+            }
         } else {
-            const STREAM& stream = m_streams.at(stream_key(stream_ids(plan)));
+            const std::vector<std::string> ids = stream_ids(plan);
+            const STREAM& stream = m_streams.at(stream_key(plan.part, ids));
             failure = stream.failure;
             request.image = stream.content.get();
-            request.device = m_facts.device != nullptr ? m_facts.device->user_name() : "";
+            if (!ids.empty()) {
+                request.target = target_of(bitstream_device(*m_setup.bitstreams().find(ids.front())));
+            }
+            request.device = request.target.name;
         }
         apply_file_options(plan, request);
         return failure.empty();
@@ -331,8 +350,14 @@ private:
 
     struct FLASH {
         FLASH_CONTENT content;
-        std::string device;
+        const PGM_DEVICE* device = nullptr;
         std::string failure;
+    };
+
+    struct STREAM_JOB {
+        FORMAT_PART part;
+        std::vector<std::string> ids;
+        STREAM* stream;
     };
 
     const SETUP_VIEW m_setup;
@@ -342,8 +367,8 @@ private:
     std::set<std::string> m_directories;
     std::uint64_t m_input_bytes = 0;
     std::map<std::string, STREAM> m_streams;
-    std::vector<std::pair<std::vector<std::string>, STREAM*>> m_stream_jobs;
-    std::map<std::string, FLASH> m_flash;
+    std::vector<STREAM_JOB> m_stream_jobs;
+    std::map<FLASH_KEY, FLASH> m_flash;
     std::vector<std::optional<WRITTEN_FILE>> m_written;
 };
 

@@ -5,6 +5,9 @@
 #include "vek_db.h"
 #include "vek_file_assistant.h"
 
+#include <algorithm>
+#include <charconv>
+
 namespace
 {
 
@@ -23,6 +26,38 @@ std::string extension_of(VEK_FILE_TYPE type)
     return fio_get_extension_string(VEK_DB::get_fio_ext_enum(type));
 }
 
+FORMAT_PART part_of(VEK_FILE_TYPE type)
+{
+    const FORMAT_ROW* row = find_format_row(type);
+    return row != nullptr ? row->part : FORMAT_PART::ALL;
+}
+
+/// The word of the document as the file shows it; empty for a text that is no voltage.
+std::string voltage_of(const std::string& word)
+{
+    struct ROW {
+        PGM_COMMON_XML_ENUM word;
+        const char* volts;
+    };
+    constexpr ROW ROWS[] = {{PGM_COMMON_XML_ENUM_1_5V, "1.5"},
+                            {PGM_COMMON_XML_ENUM_1_8V, "1.8"},
+                            {PGM_COMMON_XML_ENUM_2_5V, "2.5"},
+                            {PGM_COMMON_XML_ENUM_3_3V, "3.3"},
+                            {PGM_COMMON_XML_ENUM_5_0V, "5.0"}};
+    const PGM_COMMON_XML_ENUM value = VEK_FILE_ASSISTANT::convert_string_to_xml_enum(word);
+    const auto row =
+        std::find_if(std::begin(ROWS), std::end(ROWS), [value](const ROW& one) { return one.word == value; });
+    return row == std::end(ROWS) ? "" : row->volts;
+}
+
+JTAG_OPERATION operation_of(const std::string& word)
+{
+    const PGM_COMMON_XML_ENUM value = VEK_FILE_ASSISTANT::convert_string_to_xml_enum(word);
+    return value == PGM_COMMON_XML_ENUM_V    ? JTAG_OPERATION::VERIFY
+           : value == PGM_COMMON_XML_ENUM_PB ? JTAG_OPERATION::BLANK_CHECK_AND_PROGRAM
+                                             : JTAG_OPERATION::PROGRAM;
+}
+
 void finish(OUTPUT_PLAN& plan, const std::string& directory_override)
 {
     plan.directory = absolute_path(directory_override.empty() ? plan.output->directory : directory_override);
@@ -34,6 +69,7 @@ OUTPUT_PLAN primary_plan(const PGM_COMMON_XML_VEK_OUTPUT_FILE& output, VEK_FILE_
     OUTPUT_PLAN plan;
     plan.output = &output;
     plan.type = type;
+    plan.part = part_of(type);
     plan.label = output_label(output);
     plan.name = output.name;
     plan.options = output.file_options.empty() ? nullptr : output.file_options.front();
@@ -51,6 +87,7 @@ OUTPUT_PLAN secondary_plan(const OUTPUT_PLAN& parent, const PGM_COMMON_XML_VEK_S
     plan.output = parent.output;
     plan.secondary = &secondary;
     plan.type = type;
+    plan.part = part_of(type) != FORMAT_PART::ALL ? part_of(type) : parent.part;
     plan.label = parent.label + " / " + element_label("SECONDARY_FILE", secondary.type);
     plan.name = secondary.name;
     plan.options = secondary.file_options.empty() ? nullptr : secondary.file_options.front();
@@ -89,6 +126,44 @@ std::string output_label(const PGM_COMMON_XML_VEK_OUTPUT_FILE& output)
     return element_label("OUTPUT_FILE", output.type);
 }
 
+bool parse_frequency(const std::string& text, std::uint64_t& frequency)
+{
+    struct UNIT {
+        const char* name;
+        unsigned decimals;
+    };
+    constexpr UNIT UNITS[] = {{"hz", 0}, {"khz", 3}, {"mhz", 6}};
+    const char* const end = text.data() + text.size();
+    std::uint64_t whole = 0;
+    const auto number = std::from_chars(text.data(), end, whole);
+    if (number.ec != std::errc() || whole > 1'000'000'000) {
+        return false;
+    }
+    const char* at = number.ptr;
+    std::string decimals;
+    if (at != end && *at == '.') {
+        for (++at; at != end && *at >= '0' && *at <= '9'; ++at) {
+            decimals += *at;
+        }
+        decimals.erase(decimals.find_last_not_of('0') + 1);
+    }
+    std::string name;
+    for (at = std::find_if(at, end, [](char c) { return c != ' '; }); at != end; ++at) {
+        name += *at >= 'A' && *at <= 'Z' ? static_cast<char>(*at - 'A' + 'a') : *at;
+    }
+    for (const UNIT& unit : UNITS) {
+        if (name == unit.name && decimals.size() <= unit.decimals) {
+            frequency = whole;
+            for (unsigned i = 0; i < unit.decimals; ++i) {
+                frequency =
+                    frequency * 10 + (i < decimals.size() ? static_cast<unsigned>(decimals[i] - '0') : 0U);
+            }
+            return frequency != 0;
+        }
+    }
+    return false;
+}
+
 void apply_file_options(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request)
 {
     if (plan.options == nullptr) {
@@ -101,5 +176,8 @@ void apply_file_options(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request)
     request.count_down =
         VEK_FILE_ASSISTANT::convert_string_to_xml_enum(plan.options->direction) == PGM_COMMON_XML_ENUM_DOWN;
     request.bitswap = VEK_FILE_ASSISTANT::convert_string_to_bool(plan.options->bitswap);
+    parse_frequency(plan.options->frequency, request.frequency);
+    request.voltage = voltage_of(plan.options->voltage);
+    request.operation = operation_of(plan.options->operation);
     request.use_relative = VEK_FILE_ASSISTANT::convert_string_to_bool(plan.options->use_relative);
 }

@@ -1,7 +1,7 @@
 #ifndef OUTPUT_PLAN_H
 #define OUTPUT_PLAN_H
 
-#include "format.h"
+#include "format_registry.h"
 #include "setup_view.h"
 
 #include <string>
@@ -12,6 +12,7 @@ struct OUTPUT_PLAN {
     const PGM_COMMON_XML_VEK_OUTPUT_FILE* output = nullptr;       ///< itself, or the output it belongs to
     const PGM_COMMON_XML_VEK_SECONDARY_FILE* secondary = nullptr; ///< null for an output file itself
     VEK_FILE_TYPE type = VEK_INVALID_FILE_TYPE;
+    FORMAT_PART part = FORMAT_PART::ALL;
     std::string label;                                        ///< OUTPUT_FILE "POF" / SECONDARY_FILE "MAP"
     std::string name;                                         ///< as the setup stores it
     std::string directory;                                    ///< absolute
@@ -28,7 +29,11 @@ std::vector<OUTPUT_PLAN> plan_outputs(const SETUP_VIEW& setup, const std::string
 /// The label of an output file element in findings.
 std::string output_label(const PGM_COMMON_XML_VEK_OUTPUT_FILE& output);
 
-/// Carries the options of the output over to a request. The addresses have passed the check.
+/// The frequency that a text of the setup names, in Hz: a decimal number above 0 and its unit, Hz, kHz or MHz
+/// in any case. False when it is none, or has a fraction of a Hz.
+bool parse_frequency(const std::string& text, std::uint64_t& frequency);
+
+/// Carries the options of the output over to a request. Addresses and frequency have passed the check.
 void apply_file_options(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request);
 
 #endif

@@ -6,20 +6,31 @@
 #include "precheck.h"
 #include "vek_file_assistant.h"
 
+#include <algorithm>
+
 namespace
 {
+
+const PGM_DEVICE* first_device_of(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream, std::string& path)
+{
+    for (const PGM_COMMON_XML_VEK_PATH* file : bitstream.path) {
+        const PGM_DEVICE* device = nullptr;
+        std::string name;
+        std::string message;
+        path = absolute_path(file->text);
+        if (precheck_bitstream_file(path, true, &device, name, message)) {
+            return device;
+        }
+    }
+    return nullptr;
+}
 
 const PGM_DEVICE* first_device(const SETUP_VIEW& setup, std::string& path)
 {
     for (const PGM_COMMON_XML_VEK_BITSTREAM* bitstream : setup.bitstreams().all()) {
-        for (const PGM_COMMON_XML_VEK_PATH* file : bitstream->path) {
-            const PGM_DEVICE* device = nullptr;
-            std::string name;
-            std::string message;
-            path = absolute_path(file->text);
-            if (precheck_bitstream_file(path, true, &device, name, message)) {
-                return device;
-            }
+        const PGM_DEVICE* device = first_device_of(*bitstream, path);
+        if (device != nullptr) {
+            return device;
         }
     }
     return nullptr;
@@ -64,6 +75,36 @@ SETUP_FACTS find_setup_facts(const SETUP_VIEW& setup)
         }
     }
     return facts;
+}
+
+const PGM_DEVICE* bitstream_device(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream)
+{
+    std::string path;
+    return first_device_of(bitstream, path);
+}
+
+std::vector<std::string> output_bitstreams(const SETUP_VIEW& setup,
+                                           const PGM_COMMON_XML_VEK_OUTPUT_FILE& output)
+{
+    std::vector<std::string> ids;
+    if (!takes_flash_device(output_type_of(output.type))) {
+        for (const PGM_COMMON_XML_VEK_BITSTREAM_ID* id : output.bitstream_id) {
+            ids.push_back(id->text);
+        }
+        return ids;
+    }
+    for (const PGM_COMMON_XML_VEK_FLASH_DEVICE_ID* id : output.flash_device_id) {
+        const PGM_COMMON_XML_VEK_FLASH_DEVICE* device = setup.flash_devices().find(id->text);
+        for (const PGM_COMMON_XML_VEK_PARTITION* partition :
+             device != nullptr ? device->partition : std::vector<PGM_COMMON_XML_VEK_PARTITION*>()) {
+            const PGM_COMMON_XML_VEK_ASSIGNMENT* assignment = setup.assignments().find(partition->id);
+            if (assignment != nullptr && !assignment->bitstream_id.empty() && partition->id != "BOOT_INFO" &&
+                std::find(ids.begin(), ids.end(), assignment->bitstream_id.front()->text) == ids.end()) {
+                ids.push_back(assignment->bitstream_id.front()->text);
+            }
+        }
+    }
+    return ids;
 }
 
 std::vector<STREAM_INPUT> stream_inputs(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream)

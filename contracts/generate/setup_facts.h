@@ -21,6 +21,14 @@ struct SETUP_FACTS {
 /// on-chip flash device, the flash loader, or the mode implies.
 SETUP_FACTS find_setup_facts(const SETUP_VIEW& setup);
 
+/// The device that a bitstream is for: that of its first file that can be read; null when there is none.
+const PGM_DEVICE* bitstream_device(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream);
+
+/// The bitstreams of an output in the order in which they go into it: those that it lists, or for one that is
+/// made from a flash device those of its partitions, each once.
+std::vector<std::string> output_bitstreams(const SETUP_VIEW& setup,
+                                           const PGM_COMMON_XML_VEK_OUTPUT_FILE& output);
+
 /// The files of a bitstream, as the stream builder takes them.
 std::vector<STREAM_INPUT> stream_inputs(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream);
 

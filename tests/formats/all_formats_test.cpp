@@ -15,6 +15,10 @@ struct SAMPLE {
     {
         request.image = &source;
         request.device = "W25Q128JV";
+        request.target = {"BS1L15", 0x10A15BC7, 10};
+        request.flash = {{0xEF, 0x40, 0x18}, 3, 65536, 256};
+        request.frequency = 10'000'000;
+        request.voltage = "3.3";
         if (row.subject == FORMAT_SUBJECT::FLASH_IMAGE)
             request.regions = {{"P1", 0, size / 2, size / 2, true, 1, "top.sof", 0x12345678},
                                {"P2", size / 2 + 1, 1, size - 1, false, 0, "data.bin", 0x9ABCDEF0}};

@@ -272,7 +272,7 @@ TEST(pof_format, a_name_that_is_too_long_is_refused)
     std::string message;
     EXPECT_FALSE(POF.write(flash.request, sink, message));
     EXPECT_EQ(message, "The name \"" + std::string(40, 'n') +
-                           "...\" has 70000 bytes; a POF holds 65535 at most, choose a shorter one.");
+                           "...\" has 70000 bytes; the file holds 65535 at most, choose a shorter one.");
 }
 
 TEST(pof_format, inspection_tells_device_partitions_and_ranges)
@@ -292,4 +292,66 @@ TEST(pof_format, only_files_with_its_signature_are_recognised)
     EXPECT_TRUE(POF_FORMAT::recognise(MEMORY_SOURCE(write_format(POF, SMALL_FLASH().request))));
     EXPECT_FALSE(POF_FORMAT::recognise(MEMORY_SOURCE(BYTES{})));
     EXPECT_FALSE(POF_FORMAT::recognise(MEMORY_SOURCE(bytes_of(":020000040000FA\n"))));
+}
+
+TEST(jic_format, the_independent_reader_finds_flash_loader_and_image)
+{
+    const JIC_FORMAT jic;
+    SMALL_FLASH flash;
+    flash.request.target = {"GR5S027", 0x20F27BC7, 10};
+    flash.request.flash = {{0xC2, 0x20, 0x19}, 4, 65536, 256};
+    const BYTES file = write_format(jic, flash.request);
+    const DECODED_POF decoded = decode_jic(file);
+    EXPECT_EQ(decoded.fault, "");
+    EXPECT_EQ(decoded.device, "MX25L25645G");
+    EXPECT_TRUE(decoded.image == flash.bytes);
+    ASSERT_EQ(decoded.partitions.size(), 2u);
+    EXPECT_EQ(decoded.loader.name, "GR5S027");
+    EXPECT_EQ(decoded.loader.idcode, 0x20F27BC7u);
+    EXPECT_EQ(decoded.loader.instruction_length, 10u);
+    EXPECT_EQ(decoded.loader.bridge, 0xA8u);
+    EXPECT_EQ(decoded.loader.jedec_id, 0xC22019u);
+    EXPECT_EQ(decoded.loader.address_bytes, 4u);
+    EXPECT_EQ(decoded.loader.sector, 65536u);
+    EXPECT_EQ(decoded.loader.page, 256u);
+    EXPECT_EQ(decoded.loader.commands, (std::vector<unsigned>{0x9F, 0x05, 0x06, 0x13, 0x12, 0xDC}));
+    EXPECT_EQ(verify_format(jic, flash.request, file), "");
+    EXPECT_TRUE(decode_format(jic, file) == flash.bytes);
+    const FORMAT_FACTS facts = inspect_format(jic, file);
+    EXPECT_EQ(fact(facts, "format"), "flash image to be written over JTAG");
+    EXPECT_EQ(fact(facts, "flash loader"), "GR5S027");
+    EXPECT_EQ(fact(facts, "flash loader IDCODE"), "0x20F27BC7");
+    EXPECT_EQ(fact(facts, "JEDEC identification"), "0xC22019");
+    EXPECT_TRUE(JIC_FORMAT::recognise(MEMORY_SOURCE(file)));
+    EXPECT_FALSE(POF_FORMAT::recognise(MEMORY_SOURCE(file)));
+    FORMAT_REQUEST other = flash.request;
+    other.target.name = "GR5S066";
+    EXPECT_EQ(verify_format(jic, other, file),
+              "The flash loader GR5S027 is not as the setup has it, which names GR5S066.");
+}
+
+TEST(jic_format, what_cannot_be_reached_over_jtag_is_refused)
+{
+    const JIC_FORMAT jic;
+    SMALL_FLASH flash;
+    flash.request.target = {"GR5S027", 0x20F27BC7, 10};
+    flash.request.flash = {{}, 2, 65536, 256};
+    MEMORY_SINK sink;
+    std::string message;
+    EXPECT_FALSE(jic.write(flash.request, sink, message));
+    EXPECT_EQ(message,
+              "MX25L25645G is no serial flash device with addresses of 3 or 4 bytes; choose one that a "
+              "flash loader can write.");
+}
+
+TEST(jic_format, a_file_without_its_flash_loader_is_refused)
+{
+    BYTES file = file_of({head(1, 64), done(BYTES(64, 0xFF), 0)});
+    file[1] = 'J';
+    file[2] = 'I';
+    file[3] = 'C';
+    std::string message;
+    decode_format(JIC_FORMAT(), file, &message);
+    EXPECT_EQ(message,
+              "The chunk at offset 0x00000023 is not the flash loader, which comes behind the head.");
 }

@@ -33,16 +33,15 @@ std::string text(const std::vector<std::uint8_t>& bytes, std::size_t& at)
     at += size;
     return result;
 }
-} // namespace
 
-DECODED_POF decode_pof(const std::vector<std::uint8_t>& file)
+DECODED_POF decode(const std::vector<std::uint8_t>& file, bool jic)
 {
     DECODED_POF pof;
     const auto fail = [&](const char* reason) {
         pof.fault = reason;
         return pof;
     };
-    if (file.size() < 8 || std::memcmp(file.data(), "\x89POF\r\n\x1A\n", 8) != 0)
+    if (file.size() < 8 || std::memcmp(file.data(), jic ? "\x89JIC\r\n\x1A\n" : "\x89POF\r\n\x1A\n", 8) != 0)
         return fail("signature");
     std::uint64_t total = 0;
     for (std::size_t at = 8; at != file.size();) {
@@ -62,6 +61,19 @@ DECODED_POF decode_pof(const std::vector<std::uint8_t>& file)
             place += 2;
             pof.image.assign(number(file, place, 8), 0xFF);
             pof.device = text(file, place);
+        } else if (tag == "LOAD" && jic) {
+            DECODED_POF::LOADER& loader = pof.loader;
+            loader.name = text(file, place);
+            loader.idcode = number(file, place, 4);
+            loader.instruction_length = number(file, place, 1);
+            loader.bridge = number(file, place, 4);
+            for (int i = 0; i != 3; ++i)
+                loader.jedec_id = loader.jedec_id << 8 | number(file, place, 1);
+            loader.address_bytes = number(file, place, 1);
+            loader.sector = number(file, place, 4);
+            loader.page = number(file, place, 4);
+            for (int i = 0; i != 6; ++i)
+                loader.commands.push_back(static_cast<unsigned>(number(file, place, 1)));
         } else if (tag == "PART") {
             DECODED_POF::PARTITION part;
             part.start = number(file, place, 8);
@@ -93,4 +105,15 @@ DECODED_POF decode_pof(const std::vector<std::uint8_t>& file)
         at = trailer;
     }
     return fail("no last chunk");
+}
+} // namespace
+
+DECODED_POF decode_pof(const std::vector<std::uint8_t>& file)
+{
+    return decode(file, false);
+}
+
+DECODED_POF decode_jic(const std::vector<std::uint8_t>& file)
+{
+    return decode(file, true);
 }
