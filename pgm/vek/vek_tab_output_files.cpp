@@ -1,14 +1,17 @@
 #include "vek_tab_output_files.h"
 
 #include "fio_file_system.h"
+#include "mok_app.h"
+#include "mok_ui_mgr.h"
 #include "msg_internal_error.h"
 #include "nivo_native_file_dlg.h"
 #include "nivo_safe_connect.h"
 #include "vek_db.h"
+#include "vek_dlg_output_file_properties.h"
 #include "vek_file_assistant.h"
 #include "vek_frame_wnd_cache.h"
 #include "vek_gui_util.h"
-#include "vek_list_view.h"
+#include "vek_tree_output_files.h"
 
 #include <QEvent>
 #include <QFormLayout>
@@ -20,48 +23,23 @@
 namespace
 {
 
-QString get_default_directory()
+std::string get_default_directory()
 {
     std::string directory = VEK_GUI_UTIL::get_working_directory();
     if (directory.empty()) {
         directory = FIO_FILE_SYSTEM::get_current_directory();
     }
     const std::string text = VEK_GUI_UTIL::format_path(directory).fullpath();
-    return text.empty() ? QStringLiteral(".") : VEK_GUI_UTIL::from_local(text);
+    return text.empty() ? "." : text;
 }
 
-VEK_FILE_TYPE get_file_type(const std::string& word)
+QPushButton* create_button(const QString& text, const QString& name, const QKeySequence& shortcut)
 {
-    return VEK_DB_UTIL::get_vek_file_type_enum(VEK_FILE_ASSISTANT::convert_string_to_xml_enum(word));
-}
-
-std::string get_extension(VEK_FILE_TYPE type)
-{
-    return fio_get_extension_string(VEK_DB::get_fio_ext_enum(type));
-}
-
-/// A secondary file carries the extension of its parent in its name, so that those of two parents stay apart.
-std::string get_secondary_name(const std::string& base_name, VEK_FILE_TYPE parent)
-{
-    const std::string extension = get_extension(parent);
-    return base_name + "_" + (extension.empty() ? extension : extension.substr(1));
-}
-
-/// The child suffix of the group through which the output file was chosen.
-std::string get_group_suffix(const PGM_COMMON_XML_VEK_OUTPUT_FILE& output_file)
-{
-    if (VEK_FILE_ASSISTANT::convert_string_to_bool(output_file.cvp)) {
-        return VEK_DB::get_child_file_name_suffix(VEK_CVP_GROUP_FILE_TYPE);
-    }
-    if (VEK_FILE_ASSISTANT::convert_string_to_bool(output_file.hps)) {
-        return VEK_DB::get_child_file_name_suffix(VEK_HPS_GROUP_FILE_TYPE);
-    }
-    return {};
-}
-
-QStringList make_row(VEK_FILE_TYPE type, const std::string& file_name)
-{
-    return {VEK_GUI_UTIL::from_local(VEK_DB::get_description(type)), VEK_GUI_UTIL::from_local(file_name)};
+    auto* const button = new QPushButton(text);
+    button->setObjectName(name);
+    button->setShortcut(shortcut);
+    button->setToolTip(shortcut.toString(QKeySequence::NativeText));
+    return button;
 }
 
 } // namespace
@@ -74,29 +52,26 @@ VEK_TAB_OUTPUT_FILES::VEK_TAB_OUTPUT_FILES(std::shared_ptr<PGM_COMMON_XML_VEK_VE
     VEK_ASSERT(m_vek != nullptr);
     VEK_ASSERT(m_cache != nullptr);
     create_widgets();
-    nivo_safe_connect(m_directory_edit, SIGNAL(textChanged(const QString&)), this,
-                      SLOT(set_directory(const QString&)), Qt::AutoConnection, __FILE__, __LINE__);
-    nivo_safe_connect(m_browse_button, SIGNAL(clicked()), this, SLOT(browse_directory()), Qt::AutoConnection,
-                      __FILE__, __LINE__);
-    nivo_safe_connect(m_name_edit, SIGNAL(textChanged(const QString&)), this,
-                      SLOT(update_file_name(const QString&)), Qt::AutoConnection, __FILE__, __LINE__);
+    create_connections();
     m_name_edit->installEventFilter(this);
     m_directory_edit->installEventFilter(this);
     m_name_edit->setText(QString::fromLatin1(VEK_DEFAULT_OUTPUT_FILE_NAME));
-    m_directory_edit->setText(get_default_directory());
+    m_directory_edit->setText(VEK_GUI_UTIL::from_local(get_default_directory()));
 }
 
 void VEK_TAB_OUTPUT_FILES::create_widgets()
 {
     m_directory_edit = new QLineEdit;
     m_directory_edit->setObjectName(QStringLiteral("m_directory_edit"));
-    m_browse_button = new QPushButton(tr("Browse..."));
-    m_browse_button->setObjectName(QStringLiteral("m_browse_button"));
+    m_browse_button =
+        create_button(tr("Browse..."), QStringLiteral("m_browse_button"), QStringLiteral("Alt+B"));
     m_name_edit = new QLineEdit;
     m_name_edit->setObjectName(QStringLiteral("m_name_edit"));
-    m_file_type_tree = new VEK_LIST_VIEW({tr("Description"), tr("File Name")}, nullptr);
+    m_file_type_tree = new VEK_TREE_OUTPUT_FILES(m_vek, m_cache, nullptr);
     m_file_type_tree->setObjectName(QStringLiteral("m_file_type_tree"));
     m_file_type_tree->setAccessibleName(tr("Output files"));
+    m_edit_button = create_button(tr("Edit..."), QStringLiteral("m_edit_button"), QStringLiteral("Alt+E"));
+    m_edit_button->setEnabled(false);
 
     auto* const line = new QFrame;
     line->setFrameShape(QFrame::HLine);
@@ -111,13 +86,39 @@ void VEK_TAB_OUTPUT_FILES::create_widgets()
     grid->addWidget(new QLabel(tr("Specify one or more programming files to generate.")), 0, 0, 1, 2);
     grid->addWidget(line, 1, 0, 1, 2);
     grid->addLayout(form, 2, 0, 1, 2);
-    grid->addWidget(m_file_type_tree, 3, 0, 1, 2);
+    grid->addWidget(m_file_type_tree, 3, 0);
+    grid->addWidget(m_edit_button, 3, 1, Qt::AlignTop);
+
+    // A layout within a form row is not the label's buddy by itself.
+    qobject_cast<QLabel*>(form->labelForField(directory_box))->setBuddy(m_directory_edit);
+    QWidget* const tab_order[] = {m_directory_edit, m_browse_button, m_name_edit, m_file_type_tree,
+                                  m_edit_button};
+    for (std::size_t next = 1; next < std::size(tab_order); ++next) {
+        setTabOrder(tab_order[next - 1], tab_order[next]);
+    }
 }
 
-void VEK_TAB_OUTPUT_FILES::set_vek(std::shared_ptr<PGM_COMMON_XML_VEK_VEK> vek)
+void VEK_TAB_OUTPUT_FILES::create_connections()
 {
-    VEK_ASSERT(vek != nullptr);
-    m_vek = std::move(vek);
+    const char* const text_changed = SIGNAL(textChanged(const QString&));
+    const struct {
+        QObject* sender;
+        const char* signal;
+        QObject* receiver;
+        const char* slot;
+    } connections[] = {
+        {m_directory_edit, text_changed, this, SLOT(set_directory(const QString&))},
+        {m_browse_button, SIGNAL(clicked()), this, SLOT(browse_directory())},
+        {m_name_edit, text_changed, m_file_type_tree, SLOT(update_file_name(const QString&))},
+        {m_file_type_tree, SIGNAL(selection_changed()), this, SLOT(update_edit_button())},
+        {m_file_type_tree, SIGNAL(check_state_changed()), this, SLOT(update_edit_button())},
+        {m_edit_button, SIGNAL(clicked()), this, SLOT(edit())},
+        {m_file_type_tree, SIGNAL(check_state_changed()), this, SIGNAL(output_file_check_state_changed())},
+    };
+    for (const auto& connection : connections) {
+        nivo_safe_connect(connection.sender, connection.signal, connection.receiver, connection.slot,
+                          Qt::AutoConnection, __FILE__, __LINE__);
+    }
 }
 
 void VEK_TAB_OUTPUT_FILES::refresh()
@@ -125,18 +126,26 @@ void VEK_TAB_OUTPUT_FILES::refresh()
     const auto output_files = VEK_FILE_ASSISTANT::get_output_file_elements(m_vek.get());
     if (output_files.empty()) {
         m_name_edit->setText(QString::fromLatin1(VEK_DEFAULT_OUTPUT_FILE_NAME));
-        m_directory_edit->setText(get_default_directory());
+        m_directory_edit->setText(VEK_GUI_UTIL::from_local(get_default_directory()));
     } else {
-        const std::string directory = output_files.front()->directory;
-        m_name_edit->setText(VEK_GUI_UTIL::from_local(output_files.front()->name));
-        m_directory_edit->setText(VEK_GUI_UTIL::from_local(VEK_GUI_UTIL::format_path(directory).fullpath()));
+        const auto* const first = output_files.front();
+        m_name_edit->setText(VEK_GUI_UTIL::from_local(first->name));
+        m_directory_edit->setText(
+            VEK_GUI_UTIL::from_local(VEK_GUI_UTIL::format_path(first->directory).fullpath()));
     }
-    refresh_tree();
+    m_file_type_tree->refresh();
 }
 
 void VEK_TAB_OUTPUT_FILES::reset()
 {
-    m_file_type_tree->clearSelection();
+    m_edit_button->setEnabled(false);
+}
+
+void VEK_TAB_OUTPUT_FILES::set_vek(std::shared_ptr<PGM_COMMON_XML_VEK_VEK> vek)
+{
+    VEK_ASSERT(vek != nullptr);
+    m_vek = std::move(vek);
+    m_file_type_tree->set_vek(m_vek);
 }
 
 bool VEK_TAB_OUTPUT_FILES::eventFilter(QObject* object, QEvent* event)
@@ -144,25 +153,24 @@ bool VEK_TAB_OUTPUT_FILES::eventFilter(QObject* object, QEvent* event)
     if (event->type() == QEvent::FocusOut) {
         if (object == m_name_edit && m_name_edit->text().isEmpty()) {
             m_name_edit->setText(QString::fromLatin1(VEK_DEFAULT_OUTPUT_FILE_NAME));
-        }
-        if (object == m_directory_edit && m_directory_edit->text().isEmpty()) {
-            m_directory_edit->setText(get_default_directory());
+        } else if (object == m_directory_edit && m_directory_edit->text().isEmpty()) {
+            m_directory_edit->setText(VEK_GUI_UTIL::from_local(get_default_directory()));
         }
     }
-    return QWidget::eventFilter(object, event);
+    return QObject::eventFilter(object, event);
 }
 
 void VEK_TAB_OUTPUT_FILES::refresh_output_file_tree(PGMIO_CONFIG_SCHEME /*mode*/, bool changed)
 {
     if (changed) {
-        refresh_tree();
+        m_file_type_tree->refresh();
     }
 }
 
 void VEK_TAB_OUTPUT_FILES::set_directory(const QString& text)
 {
-    VEK_ASSERT(m_vek != nullptr);
     m_cache->output_directory = text.isEmpty() ? std::string(".") : VEK_GUI_UTIL::to_local(text);
+    VEK_ASSERT(m_vek != nullptr);
     for (const auto* const output_file : VEK_FILE_ASSISTANT::get_output_file_elements(m_vek.get())) {
         const bool success =
             VEK_FILE_ASSISTANT::set(m_vek.get(), VEK_CMD_OPT_OUTPUT_FILE,
@@ -181,7 +189,7 @@ void VEK_TAB_OUTPUT_FILES::browse_directory()
         FIO_FILE_SYSTEM::set_current_directory(base);
     }
     directory.become_absolute(std::string());
-    // The dialog opens where the process is, so this stays changed when it closes.
+    // The process stays in the directory when the dialog closes.
     FIO_FILE_SYSTEM::set_current_directory(directory.fullpath());
 
     NIVO_NATIVE_FILE_DLG dialog(this);
@@ -200,53 +208,38 @@ void VEK_TAB_OUTPUT_FILES::browse_directory()
     m_directory_edit->setText(VEK_GUI_UTIL::from_local(VEK_GUI_UTIL::format_path(chosen).fullpath()));
 }
 
-void VEK_TAB_OUTPUT_FILES::update_file_name(const QString& name)
+void VEK_TAB_OUTPUT_FILES::update_edit_button()
 {
-    m_cache->output_name = VEK_GUI_UTIL::to_local(name);
-    for (const auto* const output_file : VEK_FILE_ASSISTANT::get_output_file_elements(m_vek.get())) {
-        bool success = VEK_FILE_ASSISTANT::set(m_vek.get(), VEK_CMD_OPT_OUTPUT_FILE,
-                                               {{VEK_CMD_PARAM_OUTPUT_FILE_TYPE, output_file->type},
-                                                {VEK_CMD_PARAM_OUTPUT_FILE_NAME, m_cache->output_name}});
+    const std::vector<VEK_FILE_TYPE> branch = m_file_type_tree->get_current_file_type();
+    if (branch.empty()) {
+        m_edit_button->setEnabled(false);
+        return;
+    }
+    const VEK_FILE_TYPE file_type = branch.back();
+    VEK_ASSERT(file_type != VEK_INVALID_FILE_TYPE);
+    m_edit_button->setEnabled(m_file_type_tree->get_check_state(branch) == Qt::Checked &&
+                              VEK_DB::get_has_option(file_type));
+}
+
+void VEK_TAB_OUTPUT_FILES::edit()
+{
+    std::vector<VEK_FILE_TYPE> branch = m_file_type_tree->get_current_file_type();
+    VEK_ASSERT(!branch.empty());
+    const auto take_last = [&branch] {
+        if (branch.empty()) {
+            return VEK_INVALID_FILE_TYPE;
+        }
+        const VEK_FILE_TYPE last = branch.back();
+        branch.pop_back();
+        return last;
+    };
+    const VEK_FILE_TYPE file_type = take_last();
+    const VEK_FILE_TYPE parent = take_last();
+    const VEK_FILE_TYPE grandparent = take_last();
+    VEK_DLG_OUTPUT_FILE_PROPERTIES dialog(m_vek, file_type, parent, grandparent, nullptr, Qt::WindowFlags());
+    if (dialog.exec() == QDialog::Accepted) {
+        const bool success =
+            VEK_FILE_ASSISTANT::set(m_vek.get(), VEK_CMD_OPT_OUTPUT_FILE, dialog.get_params());
         VEK_ASSERT(success);
-        const std::string secondary_name =
-            get_secondary_name(m_cache->output_name, get_file_type(output_file->type));
-        for (const auto* const secondary : VEK_FILE_ASSISTANT::get_secondary_file_elements(output_file)) {
-            success =
-                VEK_FILE_ASSISTANT::set(m_vek.get(), VEK_CMD_OPT_OUTPUT_FILE,
-                                        {{VEK_CMD_PARAM_OUTPUT_FILE_TYPE, output_file->type},
-                                         {VEK_CMD_PARAM_OUTPUT_FILE_SECONDARY_FILE_TYPE, secondary->type},
-                                         {VEK_CMD_PARAM_OUTPUT_FILE_SECONDARY_FILE_NAME, secondary_name}});
-            VEK_ASSERT(success);
-        }
     }
-    show_output_files();
-}
-
-void VEK_TAB_OUTPUT_FILES::refresh_tree()
-{
-    show_output_files();
-    const std::size_t count = VEK_FILE_ASSISTANT::get_output_file_elements(m_vek.get()).size();
-    for (std::size_t announced = 0; announced < count; ++announced) {
-        emit output_file_check_state_changed();
-    }
-}
-
-void VEK_TAB_OUTPUT_FILES::show_output_files()
-{
-    m_file_type_tree->clear();
-    for (const auto* const output_file : VEK_FILE_ASSISTANT::get_output_file_elements(m_vek.get())) {
-        const VEK_FILE_TYPE type = get_file_type(output_file->type);
-        const std::string suffix = VEK_DB::get_file_name_suffix(type);
-        QStandardItem* const row = m_file_type_tree->add_row(
-            nullptr, make_row(type, output_file->name + suffix + get_group_suffix(*output_file) +
-                                        get_extension(type)));
-        for (const auto* const secondary : VEK_FILE_ASSISTANT::get_secondary_file_elements(output_file)) {
-            const VEK_FILE_TYPE secondary_type = get_file_type(secondary->type);
-            m_file_type_tree->add_row(row,
-                                      make_row(secondary_type, secondary->name + suffix +
-                                                                   VEK_DB::get_child_file_name_suffix(type) +
-                                                                   get_extension(secondary_type)));
-        }
-    }
-    m_file_type_tree->show_rows();
 }
