@@ -66,6 +66,13 @@ void NIVO_TREE_VIEW::keyPressEvent(QKeyEvent* event)
         event->accept();
         return;
     }
+    // The box stands in the first column, wherever in the row the user is.
+    const QModelIndex box = currentIndex().siblingAtColumn(0);
+    if (event->key() == Qt::Key_Space && currentIndex().column() > 0 &&
+        box.flags().testFlag(Qt::ItemIsUserCheckable) && edit(box, AnyKeyPressed, event)) {
+        event->accept();
+        return;
+    }
     QTreeView::keyPressEvent(event);
 }
 

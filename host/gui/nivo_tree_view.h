@@ -4,8 +4,9 @@
 #include <QTreeView>
 
 /// A tree view with what users expect of every tree: rows of one height, a tool tip where a text is cut off,
-/// the selected rows copied with the platform's copy key (columns divided by tabs), and a context menu of
-/// copy, expand all and collapse all that the menu key opens as well.
+/// the selected rows copied with the platform's copy key (columns divided by tabs), the box of the current
+/// row ticked with the space bar from any of its columns, and a context menu of copy, expand all and collapse
+/// all that the menu key opens as well.
 class NIVO_TREE_VIEW : public QTreeView
 {
     Q_OBJECT
