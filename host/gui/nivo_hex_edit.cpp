@@ -44,5 +44,7 @@ void NIVO_HEX_EDIT::complete_text()
     std::uint64_t value = 0;
     if (get_value(value)) {
         set_value(value);
+    } else if (hasAcceptableInput()) {
+        clear(); // a bare "0x", which is no number
     }
 }

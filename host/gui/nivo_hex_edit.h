@@ -7,7 +7,8 @@
 
 /// A line edit for a hexadecimal number of a given width. It takes up to that many digits of either case,
 /// with or without "0x" in front, and may be empty. When the edit is left, or Return pressed, a number gets
-/// its full form: "0x", upper case, padded with zeros. A text given with setText stands as it is until then.
+/// its full form: "0x", upper case, padded with zeros, and a bare "0x" goes. A text given with setText stands
+/// as it is until then.
 class NIVO_HEX_EDIT : public QLineEdit
 {
     Q_OBJECT
