@@ -52,14 +52,30 @@ const KEY_ROW& keys_of(PGM_COMMON_XML_VEK_CMD_PARAM_ENUM param)
     return keys[param];
 }
 
+/// The ids of a list are as a rule asked for in the order in which they stand, so that a search begins behind
+/// the last one found. A place that is out of date costs time and nothing else.
+struct LAST_REFERENCE {
+    const PGM_COMMON_XML_ELEMENT* parent = nullptr;
+    std::size_t next = 0;
+};
+
 /// The child of a kind with a key, or the one child of a kind that has none. A kind of which there is one at
 /// most is found whatever its key.
 PGM_COMMON_XML_ELEMENT* find_child(const PGM_COMMON_XML_ELEMENT& parent, PGM_COMMON_XML_ENUM kind,
                                    const std::string* key)
 {
+    thread_local LAST_REFERENCE last;
+    const bool is_reference = key && is_reference_kind(kind);
     const int attribute = describe(kind).key;
-    for (PGM_COMMON_XML_ELEMENT* child : parent.m_childs) {
+    const std::size_t count = parent.m_childs.size();
+    const std::size_t start = is_reference && last.parent == &parent && last.next < count ? last.next : 0;
+    for (std::size_t step = 0; step < count; ++step) {
+        const std::size_t place = start + step < count ? start + step : start + step - count;
+        PGM_COMMON_XML_ELEMENT* child = parent.m_childs[place];
         if (child->m_class_type == kind && (!key || pgm_common_xml_read(*child, attribute) == *key)) {
+            if (is_reference) {
+                last = {&parent, place + 1};
+            }
             return child;
         }
     }
