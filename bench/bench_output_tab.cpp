@@ -1,4 +1,5 @@
 #include "mok_app.h"
+#include "vek_db.h"
 #include "vek_file_assistant.h"
 #include "vek_frame_wnd_cache.h"
 #include "vek_model_output_files.h"
@@ -52,13 +53,14 @@ public:
         }
         settle();
     }
-    /// Ticks every row that is still enabled.
+    /// Ticks all rows that take bitstreams.
     void tick_all()
     {
         QAbstractItemModel& model = *tree().model();
         for (int row = 0; row < model.rowCount(); ++row) {
             const QModelIndex index = model.index(row, 0);
-            if (model.flags(index).testFlag(Qt::ItemIsEnabled)) {
+            const VEK_FILE_TYPE type = dynamic_cast<VEK_MODEL_OUTPUT_FILES&>(model).get_file_type(index);
+            if (VEK_DB_UTIL::is_supported_file_category(type, VEK_FILE_CATEGORY_BITSTREAM)) {
                 model.setData(index, Qt::Checked, Qt::CheckStateRole);
             }
         }
@@ -96,7 +98,7 @@ private:
 
 void tick_of_a_bitstream_type(benchmark::State& state)
 {
-    SESSION session(DEV_FAMILY_GRANITE, PGMIO_CONFIG_SCHEME_PS);
+    SESSION session(DEV_FAMILY_NONE, PGMIO_CONFIG_SCHEME_PS);
     session.tick_all();
     session.tick(VEK_RBF_FILE_TYPE, Qt::Unchecked);
     for ([[maybe_unused]] const auto _ : state) {
@@ -111,7 +113,7 @@ BENCHMARK(tick_of_a_bitstream_type)->Unit(benchmark::kMillisecond);
 
 void untick_of_a_bitstream_type(benchmark::State& state)
 {
-    SESSION session(DEV_FAMILY_GRANITE, PGMIO_CONFIG_SCHEME_PS);
+    SESSION session(DEV_FAMILY_NONE, PGMIO_CONFIG_SCHEME_PS);
     session.tick_all();
     for ([[maybe_unused]] const auto _ : state) {
         session.tick(VEK_RBF_FILE_TYPE, Qt::Unchecked);
@@ -125,19 +127,20 @@ BENCHMARK(untick_of_a_bitstream_type)->Unit(benchmark::kMillisecond);
 /// All that was ticked goes along from mode to mode.
 void change_of_mode(benchmark::State& state)
 {
-    SESSION session(DEV_FAMILY_GRANITE, PGMIO_CONFIG_SCHEME_PS);
+    SESSION session(DEV_FAMILY_NONE, PGMIO_CONFIG_SCHEME_PS);
     session.tick_all();
     bool is_parallel = false;
     for ([[maybe_unused]] const auto _ : state) {
         is_parallel = !is_parallel;
         session.change_mode(is_parallel ? PGMIO_CONFIG_SCHEME_FPP : PGMIO_CONFIG_SCHEME_PS);
     }
+    state.counters["rows"] = session.rows();
 }
 BENCHMARK(change_of_mode)->Unit(benchmark::kMillisecond);
 
 void keystroke_in_the_name(benchmark::State& state)
 {
-    SESSION session(DEV_FAMILY_GRANITE, PGMIO_CONFIG_SCHEME_PS);
+    SESSION session(DEV_FAMILY_NONE, PGMIO_CONFIG_SCHEME_PS);
     session.tick_all();
     bool is_long = false;
     for ([[maybe_unused]] const auto _ : state) {

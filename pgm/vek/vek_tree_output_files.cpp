@@ -6,9 +6,36 @@
 #include "vek_model_output_files.h"
 
 #include <QHeaderView>
+#include <QPainter>
+#include <QStyledItemDelegate>
 
 namespace
 {
+
+/// Styles draw the outline of a box darker than the window, where it drowns on a dark background.
+class VISIBLE_BOX_DELEGATE : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::paint(painter, option, index);
+        QStyleOptionViewItem cell = option;
+        initStyleOption(&cell, index);
+        if (!cell.features.testFlag(QStyleOptionViewItem::HasCheckIndicator) ||
+            cell.palette.color(QPalette::Base).lightness() >= 128) {
+            return;
+        }
+        const QRect box =
+            cell.widget->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &cell, cell.widget);
+        const bool enabled = cell.state.testFlag(QStyle::State_Enabled);
+        painter->save();
+        painter->setPen(cell.palette.color(enabled ? QPalette::Active : QPalette::Disabled, QPalette::Text));
+        painter->drawRect(box.adjusted(0, 0, -1, -1));
+        painter->restore();
+    }
+};
 
 int to_check_state(const QVariant& data)
 {
@@ -27,6 +54,7 @@ VEK_TREE_OUTPUT_FILES::VEK_TREE_OUTPUT_FILES(std::shared_ptr<PGM_COMMON_XML_VEK_
     VEK_ASSERT(m_cache != nullptr);
     auto* const output_model = new VEK_MODEL_OUTPUT_FILES(m_vek, m_cache, this);
     setModel(output_model);
+    setItemDelegate(new VISIBLE_BOX_DELEGATE(this));
 
     auto* const header_view = new QHeaderView(Qt::Horizontal);
     header_view->setModel(output_model);
