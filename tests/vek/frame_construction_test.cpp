@@ -105,10 +105,13 @@ TEST_F(VEK_FRAME_CONSTRUCTION, the_tab_key_goes_from_top_to_bottom)
         }
         widget = widget->nextInFocusChain();
     } while (widget != family_combo(*frame));
-    EXPECT_EQ(order.join(' ').toStdString(),
-              "m_family_combo m_mode_combo m_tab_widget m_directory_edit m_browse_button m_name_edit "
-              "m_file_type_tree "
-              "m_input_file_tree m_config_device_tree m_flash_loader_edit m_reset_button m_generate_button");
+    EXPECT_EQ(
+        order.join(' ').toStdString(),
+        "m_family_combo m_mode_combo m_tab_widget m_directory_edit m_browse_button m_name_edit "
+        "m_file_type_tree m_edit_button "
+        "m_input_file_tree m_add_bitstream_button m_add_raw_data_button m_add_file_button m_remove_button "
+        "m_properties_button m_config_device_tree m_add_device_button m_add_partition_button "
+        "m_edit_button m_remove_button m_flash_loader_edit m_select_button m_reset_button m_generate_button");
 }
 
 TEST_F(VEK_FRAME_CONSTRUCTION, the_sixteen_connections_are_made_in_their_order)
@@ -171,12 +174,12 @@ TEST_F(VEK_FRAME_CONSTRUCTION, the_stored_flash_database_directory_comes_into_fo
 TEST_F(VEK_FRAME_CONSTRUCTION, a_slot_of_the_combo_takes_the_family_before_the_input_tab_looks_at_it)
 {
     const auto frame = make_frame();
-    const auto* const label = frame->findChild<QLabel*>(QStringLiteral("m_multi_file_label"));
-    EXPECT_TRUE(label->isHidden());
+    const auto* const button = frame->findChild<QPushButton*>(QStringLiteral("m_add_file_button"));
+    EXPECT_TRUE(button->isHidden());
     choose_family(*frame, DEV_FAMILY_MULTI_FILE);
-    EXPECT_FALSE(label->isHidden());
+    EXPECT_FALSE(button->isHidden());
     choose_family(*frame, DEV_FAMILY_BASALT);
-    EXPECT_TRUE(label->isHidden());
+    EXPECT_TRUE(button->isHidden());
 }
 
 TEST_F(VEK_FRAME_CONSTRUCTION, deleting_the_window_neither_asks_nor_waits)
