@@ -1,5 +1,6 @@
 #include "brim_manager.h"
 #include "gfpdb_mgr.h"
+#include "missing_files_box.h"
 #include "pgm_device.h"
 #include "vek_db.h"
 #include "vek_frame_fixture.h"
@@ -59,6 +60,8 @@ protected:
         return VEK_FRAME_WND_PROBE::document(frame).get();
     }
     static VEK_FRAME_WND_CACHE& cache(VEK_FRAME_WND& frame) { return VEK_FRAME_WND_PROBE::cache(frame); }
+
+    const MISSING_FILES_BOX_CLOSER m_missing_files_box_closer;
 };
 
 } // namespace
