@@ -36,6 +36,26 @@ std::uint64_t boot_firmware_limit()
     return limit;
 }
 
+/// Whether every address of the partitions can be shown as a number. A window has no place for one that
+/// cannot, so it does not open such a setup; the check on the command line tells more about them.
+bool addresses_are_numbers(const PGM_COMMON_XML_VEK_VEK& document, std::string& message)
+{
+    for (PGM_COMMON_XML_ELEMENT* element : document.get_childs(PGM_COMMON_XML_ENUM_PARTITION, false)) {
+        const auto& partition = *static_cast<const PGM_COMMON_XML_VEK_PARTITION*>(element);
+        for (const bool at_start : {true, false}) {
+            const std::string& text = at_start ? partition.s_addr : partition.e_addr;
+            std::uint64_t address = 0;
+            if (text != AUTO_ADDRESS && !parse_address(text, address)) {
+                message = std::string("The ") + (at_start ? "start" : "end") + " address \"" + text +
+                          "\" of the partition \"" + partition.id +
+                          "\" is no hexadecimal number; write \"auto\" or a number such as 0x00100000.";
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 bool VEK_UTIL::parse(PGM_COMMON_XML_VEK_VEK** document, const std::string& path)
@@ -43,7 +63,7 @@ bool VEK_UTIL::parse(PGM_COMMON_XML_VEK_VEK** document, const std::string& path)
     VEK_ASSERT(document != nullptr);
     std::unique_ptr<PGM_COMMON_XML_VEK_VEK> parsed;
     std::string message;
-    if (read_setup_file(path, parsed, message)) {
+    if (read_setup_file(path, parsed, message) && addresses_are_numbers(*parsed, message)) {
         *document = parsed.release();
         return true;
     }
