@@ -143,6 +143,12 @@ bool VEK_DLG_KEY_EDIT::event(QEvent* event)
     case QEvent::DragMove:
     case QEvent::Drop:
         return true;
+    case QEvent::FocusOut: {
+        // Qt is silent when the text has not changed; who waits for the focus to leave must hear of it.
+        const bool is_handled = QLineEdit::event(event);
+        emit editingFinished();
+        return is_handled;
+    }
     default:
         return QLineEdit::event(event);
     }

@@ -119,6 +119,10 @@ int VEK_DLG_KEY_ENTRY::get_current_count() const
 
 void VEK_DLG_KEY_ENTRY::common_init()
 {
+    if (!isVisible()) {
+        // The last run has left the focus on OK, which is disabled now and could not take it.
+        m_entry_method_cbx->setFocus(Qt::OtherFocusReason);
+    }
     m_key_count = m_key.size();
     m_key_counter->setText(count_text(m_key_count));
     m_confirm_counter->setText(count_text(m_confirm.size()));

@@ -1,0 +1,25 @@
+#ifndef IMAGEWRIGHT_TESTS_MEMORY_SCAN_H
+#define IMAGEWRIGHT_TESTS_MEMORY_SCAN_H
+
+#include <cstdint>
+
+/// Digits of a key that are made one at a time, so that the key stands nowhere unless somebody puts it
+/// together.
+class SECRET_DIGITS
+{
+public:
+    static constexpr int COUNT = 64;
+
+    explicit SECRET_DIGITS(std::uint64_t seed) : m_seed(seed) {}
+    /// Upper case, as the keypad enters them.
+    char digit(int place) const;
+
+private:
+    std::uint64_t m_seed;
+};
+
+/// How often a quarter of the key or more stands in the writable memory of this process, as bytes or as
+/// UTF-16. A place in which several quarters follow each other counts once.
+int count_in_memory(const SECRET_DIGITS& secret);
+
+#endif
