@@ -1,14 +1,11 @@
 # A room is a folder with one library. What a room may include is what it names in DEPENDS, and nothing else.
 
-set(IMAGEWRIGHT_BOOTSTRAP_SOURCE ${CMAKE_BINARY_DIR}/bootstrap.cpp)
-file(CONFIGURE OUTPUT ${IMAGEWRIGHT_BOOTSTRAP_SOURCE} CONTENT "namespace { [[maybe_unused]] int bootstrap; }\n")
-
 # imagewright_room(<target> [DEPENDS <targets>...] [PRIVATE_DEPENDS <targets>...])
 # A static library of the sources in the current folder, whose headers are found by those that depend on it.
 function(imagewright_room target)
     cmake_parse_arguments(ROOM "" "" "DEPENDS;PRIVATE_DEPENDS" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
-    add_library(${target} STATIC ${sources} ${IMAGEWRIGHT_BOOTSTRAP_SOURCE})
+    add_library(${target} STATIC ${sources})
     target_include_directories(${target} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${target} PUBLIC ${ROOM_DEPENDS} PRIVATE ${ROOM_PRIVATE_DEPENDS})
     set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
