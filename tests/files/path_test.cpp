@@ -70,22 +70,22 @@ TEST(path, is_a_value_made_from_texts)
 
 TEST(path, becomes_absolute_against_a_base)
 {
-    EXPECT_EQ(absolute("top.sof", "/work"), "/work/top.sof");
-    EXPECT_EQ(absolute("../data/./top.sof", "/work/one"), "/work/data/top.sof");
-    EXPECT_EQ(absolute("../../../top.sof", "/work"), "/top.sof");
-    EXPECT_EQ(absolute("out//sub/", "/work/"), "/work/out/sub");
-    EXPECT_EQ(absolute("/data/../x/top.sof", "/work"), "/x/top.sof");
-    EXPECT_EQ(absolute(".", "/work"), "/work");
+    EXPECT_EQ(absolute("top.sof", "/base"), "/base/top.sof");
+    EXPECT_EQ(absolute("../data/./top.sof", "/base/one"), "/base/data/top.sof");
+    EXPECT_EQ(absolute("../../../top.sof", "/base"), "/top.sof");
+    EXPECT_EQ(absolute("out//sub/", "/base/"), "/base/out/sub");
+    EXPECT_EQ(absolute("/data/../x/top.sof", "/base"), "/x/top.sof");
+    EXPECT_EQ(absolute(".", "/base"), "/base");
     EXPECT_EQ(absolute("..", "/"), "/");
-    EXPECT_EQ(absolute("...", "/work"), "/work/...");
+    EXPECT_EQ(absolute("...", "/base"), "/base/...");
 }
 
 TEST(path, an_empty_path_becomes_the_base_as_a_directory)
 {
     FIO_PATH path;
-    path.become_absolute("/work/one");
-    EXPECT_EQ(path.fullpath(), "/work/one");
-    EXPECT_EQ(path.full_directory(), "/work/one");
+    path.become_absolute("/base/one");
+    EXPECT_EQ(path.fullpath(), "/base/one");
+    EXPECT_EQ(path.full_directory(), "/base/one");
     EXPECT_EQ(path.filename(), "");
 }
 
@@ -93,8 +93,8 @@ TEST(path, a_directory_keeps_being_one_when_it_becomes_absolute)
 {
     for (const char* const text : {".", "", "./", "../one/"}) {
         FIO_PATH path(text);
-        path.become_absolute("/work/one");
-        EXPECT_EQ(path.full_directory(), "/work/one") << text;
+        path.become_absolute("/base/one");
+        EXPECT_EQ(path.full_directory(), "/base/one") << text;
     }
 }
 
@@ -133,18 +133,18 @@ TEST(path, is_shown_relative_to_a_base)
         const char* relative;
     };
     const ROW rows[] = {
-        {"/work/top.sof", "/work", "top.sof"},
-        {"/work/out/top.rbf", "/work/", "out/top.rbf"},
-        {"/data/top.sof", "/work/one", "../../data/top.sof"},
-        {"/work/onetwo/top.sof", "/work/one", "../onetwo/top.sof"},
-        {"/work/one/../two/top.sof", "/work/./one", "../two/top.sof"},
-        {"/work", "/work", "."},
-        {"/work/", "/work", "."},
-        {"/", "/work", ".."},
-        {"/work/top.sof", "/", "work/top.sof"},
-        {"top.sof", "/work", "top.sof"},
-        {"", "/work", ""},
-        {"/work/top.sof", "", "/work/top.sof"},
+        {"/base/top.sof", "/base", "top.sof"},
+        {"/base/out/top.rbf", "/base/", "out/top.rbf"},
+        {"/data/top.sof", "/base/one", "../../data/top.sof"},
+        {"/base/onetwo/top.sof", "/base/one", "../onetwo/top.sof"},
+        {"/base/one/../two/top.sof", "/base/./one", "../two/top.sof"},
+        {"/base", "/base", "."},
+        {"/base/", "/base", "."},
+        {"/", "/base", ".."},
+        {"/base/top.sof", "/", "work/top.sof"},
+        {"top.sof", "/base", "top.sof"},
+        {"", "/base", ""},
+        {"/base/top.sof", "", "/base/top.sof"},
     };
     for (const ROW& row : rows) {
         EXPECT_EQ(FIO_PATH(row.path).get_relative_to(row.base), row.relative)
@@ -156,9 +156,9 @@ TEST(path, finds_back_from_relative_to_absolute)
 {
     const std::string longest = "/" + std::string(2000, 'a') + "/" + std::string(1990, 'b') + "/c.sof";
     for (const std::string& path :
-         {std::string("/work/one/top.sof"), std::string("/data/x/top.sof"), std::string("/work"),
-          std::string("/"), std::string("/work/one/J\xFCrgen.sof"), longest}) {
-        for (const char* const base : {"/work/one", "/work/one/two", "/", "/data"}) {
+         {std::string("/base/one/top.sof"), std::string("/data/x/top.sof"), std::string("/base"),
+          std::string("/"), std::string("/base/one/J\xFCrgen.sof"), longest}) {
+        for (const char* const base : {"/base/one", "/base/one/two", "/", "/data"}) {
             EXPECT_EQ(absolute(FIO_PATH(path).get_relative_to(base), base), path) << base;
         }
     }
@@ -166,10 +166,10 @@ TEST(path, finds_back_from_relative_to_absolute)
 
 TEST(path, compares_by_where_it_leads)
 {
-    EXPECT_TRUE(FIO_PATH("/work/./one//top.sof") == FIO_PATH("/work/one/two/../top.sof"));
-    EXPECT_TRUE(FIO_PATH("/work/") == FIO_PATH("/work"));
+    EXPECT_TRUE(FIO_PATH("/base/./one//top.sof") == FIO_PATH("/base/one/two/../top.sof"));
+    EXPECT_TRUE(FIO_PATH("/base/") == FIO_PATH("/base"));
     EXPECT_TRUE(FIO_PATH("./top.sof") == std::string("top.sof"));
-    EXPECT_FALSE(FIO_PATH("/work/top.sof") == FIO_PATH("/work/Top.sof"));
+    EXPECT_FALSE(FIO_PATH("/base/top.sof") == FIO_PATH("/base/Top.sof"));
     EXPECT_FALSE(FIO_PATH("top.sof") == FIO_PATH("/top.sof"));
     EXPECT_FALSE(FIO_PATH("") == FIO_PATH("."));
     EXPECT_TRUE(FIO_PATH("") == FIO_PATH());
@@ -208,18 +208,18 @@ TEST(path, takes_another_extension)
 TEST(path, takes_another_directory)
 {
     FIO_PATH path("/data/top.sof");
-    path.directory("/work");
-    EXPECT_EQ(path.fullpath(), "/work/top.sof");
+    path.directory("/base");
+    EXPECT_EQ(path.fullpath(), "/base/top.sof");
     path.directory("/");
     EXPECT_EQ(path.fullpath(), "/top.sof");
     path.directory("");
     EXPECT_EQ(path.fullpath(), "top.sof");
     FIO_PATH folder;
-    folder.directory("/work/out");
-    EXPECT_EQ(folder.fullpath(), "/work/out");
+    folder.directory("/base/out");
+    EXPECT_EQ(folder.fullpath(), "/base/out");
     EXPECT_EQ(folder.filename(), "");
-    EXPECT_EQ(folder.full_directory(), "/work/out");
-    EXPECT_EQ(folder.get_relative_to("/work"), "out");
+    EXPECT_EQ(folder.full_directory(), "/base/out");
+    EXPECT_EQ(folder.get_relative_to("/base"), "out");
 }
 
 TEST(file_system, enters_directories_that_are_there)
