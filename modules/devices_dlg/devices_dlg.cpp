@@ -47,7 +47,6 @@ bool may_be_chosen(const PGM_DEVICE* device, bool loaders_only, bool all_familie
 
 QString describe(const PGM_DEVICE& device)
 {
-    const QLocale locale = QLocale::c();
     QStringList lines;
     const auto add = [&lines](const QString& what, const QString& value) {
         lines << QStringLiteral("%1: %2").arg(what, value);
@@ -60,14 +59,14 @@ QString describe(const PGM_DEVICE& device)
             DEVICES_DLG::tr("%1 bits").arg(device.instruction_length));
         add(DEVICES_DLG::tr("Configuration data"),
             DEVICES_DLG::tr("%1 bytes")
-                .arg(locale.toString(static_cast<qulonglong>(device.periphery_bytes) + device.core_bytes)));
+                .arg(static_cast<qulonglong>(device.periphery_bytes) + device.core_bytes));
     }
     if (device.key_bits != 0) {
         add(DEVICES_DLG::tr("Encryption key"), DEVICES_DLG::tr("%1 bits").arg(device.key_bits));
     }
     if (device.flash_bytes != 0) {
         add(DEVICES_DLG::tr("Flash"),
-            DEVICES_DLG::tr("%1 bytes").arg(locale.toString(static_cast<qulonglong>(device.flash_bytes))));
+            DEVICES_DLG::tr("%1 bytes").arg(static_cast<qulonglong>(device.flash_bytes)));
     }
     return lines.join(QLatin1Char('\n'));
 }

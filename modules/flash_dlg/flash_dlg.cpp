@@ -29,7 +29,7 @@ namespace
 {
 
 constexpr int POSITION_ROLE = Qt::UserRole; ///< of the device in the list of those that suit
-constexpr int LIST_WIDTH = 560;
+constexpr int LIST_WIDTH = 720;
 constexpr int LIST_HEIGHT = 280;
 constexpr std::uint64_t MEBIBYTE = 1024 * 1024;
 constexpr DEV_FAMILY_ENUM FLASH_FAMILIES[] = {DEV_FAMILY_ASC_SERIAL, DEV_FAMILY_SERIAL_A, DEV_FAMILY_SERIAL_B,

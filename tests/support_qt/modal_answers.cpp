@@ -75,7 +75,7 @@ void MODAL_ANSWERS::look()
         dialog->reject();
         return;
     }
-    const std::function<void(QDialog&)> answer = std::move(m_answers.front());
+    // Not from this timer, which would rest while the answer opens a dialog of its own.
+    QTimer::singleShot(0, dialog, [answer = std::move(m_answers.front()), dialog] { answer(*dialog); });
     m_answers.pop_front();
-    answer(*dialog);
 }
