@@ -127,13 +127,13 @@ QLayout* VEK_DLG_KEY_ENTRY::create_keypad()
 
 void VEK_DLG_KEY_ENTRY::connect_signals()
 {
-    constexpr std::array<const char*, 16> KEYPAD_SLOTS{
+    const std::array<const char*, 16> keypad_slots{
         SLOT(on_click_0()), SLOT(on_click_1()), SLOT(on_click_2()), SLOT(on_click_3()),
         SLOT(on_click_4()), SLOT(on_click_5()), SLOT(on_click_6()), SLOT(on_click_7()),
         SLOT(on_click_8()), SLOT(on_click_9()), SLOT(on_click_a()), SLOT(on_click_b()),
         SLOT(on_click_c()), SLOT(on_click_d()), SLOT(on_click_e()), SLOT(on_click_f())};
-    for (std::size_t digit = 0; digit < KEYPAD_SLOTS.size(); ++digit) {
-        QObject::connect(m_keypad_buttons.at(digit), SIGNAL(clicked()), this, KEYPAD_SLOTS.at(digit));
+    for (std::size_t digit = 0; digit < keypad_slots.size(); ++digit) {
+        QObject::connect(m_keypad_buttons.at(digit), SIGNAL(clicked()), this, keypad_slots.at(digit));
     }
     QObject::connect(m_clear_button, SIGNAL(clicked()), this, SLOT(on_click_clear()));
     QObject::connect(m_show_key_checkbox, SIGNAL(clicked()), this, SLOT(on_click_show_key()));

@@ -452,7 +452,7 @@ TEST(bitstream_container, a_file_of_one_gibibyte_opens_without_being_read)
     put_number(header, 56, 8, core_length);
     put_number(header, 16, 8, size);
     mend_header(header);
-    header.resize(header.size() - 36);
+    header.erase(header.end() - 36, header.end());
     write_file(path, header);
     ASSERT_EQ(::truncate(path.c_str(), static_cast<off_t>(size)), 0);
 

@@ -252,7 +252,7 @@ TEST(pof_format, a_length_that_lies_takes_no_memory)
               "The chunk at offset 0x00000023 claims 2147483647 bytes, more than any chunk has; the file "
               "is damaged.");
     BYTES cut = file_of({head(1, 64), data(0, BYTES(30, 1))});
-    cut.resize(cut.size() - 1);
+    cut.pop_back();
     EXPECT_EQ(refusal(cut), "The chunk at offset 0x00000023 goes beyond the end of the file; the file is not "
                             "complete.");
 }
