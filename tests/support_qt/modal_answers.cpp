@@ -6,6 +6,8 @@
 #include <QPushButton>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace
 {
 QString description(const QDialog& dialog)
@@ -59,14 +61,16 @@ void MODAL_ANSWERS::run(std::function<void(QDialog&)> answer)
 void MODAL_ANSWERS::look()
 {
     QDialog* const dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-    if (dialog == nullptr) {
-        m_last = nullptr;
-    }
-    if (dialog == nullptr || dialog == m_last || !dialog->isVisible() ||
+    // A dialog comes to the front again when one that it opened closes; only a closed one counts as new.
+    m_open.erase(
+        std::remove_if(m_open.begin(), m_open.end(),
+                       [](const QPointer<QDialog>& seen) { return seen == nullptr || !seen->isVisible(); }),
+        m_open.end());
+    if (dialog == nullptr || m_open.contains(dialog) || !dialog->isVisible() ||
         qobject_cast<NIVO_BUSY_DLG*>(dialog) != nullptr) {
         return;
     }
-    m_last = dialog;
+    m_open.append(dialog);
     if (const QMessageBox* const box = qobject_cast<QMessageBox*>(dialog)) {
         m_boxes.append(contents(*box));
     }

@@ -54,7 +54,7 @@ private:
     QTimer m_timer;
     std::deque<std::function<void(QDialog&)>> m_answers;
     QList<MODAL_BOX> m_boxes;
-    QPointer<QWidget> m_last;
+    QList<QPointer<QDialog>> m_open; ///< the dialogs seen that have not closed yet
 };
 
 #endif
