@@ -11,6 +11,16 @@ function(imagewright_room target)
     set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
 endfunction()
 
+# imagewright_sanitizer_defaults(<program>)
+# What a program of a sanitizer build tells the sanitizers' run-time libraries.
+function(imagewright_sanitizer_defaults program)
+    if(IMAGEWRIGHT_SANITIZERS)
+        target_sources(${program} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/sanitizer_defaults.cpp)
+        set_source_files_properties(${CMAKE_SOURCE_DIR}/cmake/sanitizer_defaults.cpp TARGET_DIRECTORY ${program}
+                                    PROPERTIES SKIP_PRECOMPILE_HEADERS ON SKIP_AUTOGEN ON)
+    endif()
+endfunction()
+
 # imagewright_test(<room> [QT] LINK <targets>...)
 # The program test_<room> of the sources in the current folder; QT gives it an offscreen QApplication.
 function(imagewright_test room)
@@ -21,10 +31,7 @@ function(imagewright_test room)
     target_link_libraries(${target} PRIVATE ${TEST_LINK} tests_support GTest::gmock GTest::gtest)
     target_compile_definitions(${target} PRIVATE IMAGEWRIGHT_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
                                                  IMAGEWRIGHT_BINARY_DIR="${CMAKE_BINARY_DIR}")
-    set(environment "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/tsan.supp:halt_on_error=1"
-                    "ASAN_OPTIONS=detect_stack_use_after_return=1"
-                    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
-                    "QT_QPA_PLATFORM=offscreen" "LC_ALL=C.UTF-8")
+    imagewright_sanitizer_defaults(${target})
     if(TEST_QT)
         set_target_properties(${target} PROPERTIES AUTOMOC ON)
         target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/qt_test_main.cpp)
@@ -35,5 +42,5 @@ function(imagewright_test room)
         target_precompile_headers(${target} PRIVATE <string> <vector> <memory> <gmock/gmock.h> <gtest/gtest.h>)
     endif()
     gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 TEST_PREFIX ${room}.
-                         PROPERTIES TIMEOUT 240 ENVIRONMENT "${environment}")
+                         PROPERTIES TIMEOUT 240)
 endfunction()
