@@ -1,5 +1,6 @@
 #include "pof_format.h"
 
+#include "chunk_file.h"
 #include "flash_commands.h"
 #include "format_text.h"
 #include "image_compare.h"
@@ -10,61 +11,6 @@
 
 namespace
 {
-void put_number(std::vector<std::uint8_t>& bytes, std::uint64_t value, std::size_t size)
-{
-    for (; size != 0; --size, value >>= 8)
-        bytes.push_back(static_cast<std::uint8_t>(value));
-}
-
-bool put_text(std::vector<std::uint8_t>& bytes, const std::string& text, std::string& message)
-{
-    if (text.size() > pof::MOST_TEXT) {
-        message = "The name \"" + text.substr(0, 40) + "...\" has " + bytes_text(text.size()) +
-                  "; the file holds " + std::to_string(pof::MOST_TEXT) + " at most, choose a shorter one.";
-        return false;
-    }
-    put_number(bytes, text.size(), 2);
-    bytes.insert(bytes.end(), text.begin(), text.end());
-    return true;
-}
-
-/// Frames chunks and sends them on in large pieces.
-class CHUNK_WRITER
-{
-public:
-    explicit CHUNK_WRITER(BYTE_SINK& sink) : m_sink(sink) {}
-
-    bool raw(std::span<const std::uint8_t> bytes, std::string& message)
-    {
-        m_pending.insert(m_pending.end(), bytes.begin(), bytes.end());
-        return m_pending.size() < IO_BLOCK_SIZE || flush(message);
-    }
-
-    /// A chunk whose payload is `head` and then `body`.
-    bool chunk(const pof::TAG& tag, std::span<const std::uint8_t> head, std::span<const std::uint8_t> body,
-               std::string& message)
-    {
-        const std::size_t begin = m_pending.size();
-        m_pending.insert(m_pending.end(), tag.begin(), tag.end());
-        put_number(m_pending, head.size() + body.size(), 4);
-        m_pending.insert(m_pending.end(), head.begin(), head.end());
-        m_pending.insert(m_pending.end(), body.begin(), body.end());
-        put_number(m_pending, crc32({m_pending.data() + begin, m_pending.size() - begin}), 4);
-        return m_pending.size() < IO_BLOCK_SIZE || flush(message);
-    }
-
-    bool flush(std::string& message)
-    {
-        const bool written = m_pending.empty() || m_sink.write(m_pending, message);
-        m_pending.clear();
-        return written;
-    }
-
-private:
-    BYTE_SINK& m_sink;
-    std::vector<std::uint8_t> m_pending;
-};
-
 bool write_head(const pof::KIND& kind, const FORMAT_REQUEST& request, CHUNK_WRITER& writer,
                 std::string& message)
 {
@@ -325,7 +271,5 @@ bool FLASH_FILE_FORMAT::inspect(const BYTE_SOURCE& file, FORMAT_FACTS& facts, st
 
 bool FLASH_FILE_FORMAT::recognise(const pof::KIND& kind, const BYTE_SOURCE& file)
 {
-    std::array<std::uint8_t, 8> begin;
-    std::string message;
-    return file.size() >= begin.size() && file.read(0, begin, message) && begin == kind.signature;
+    return begins_with(file, kind.signature);
 }

@@ -1,7 +1,8 @@
 #ifndef POF_LAYOUT_H
 #define POF_LAYOUT_H
 
-#include <array>
+#include "chunk_file.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -15,7 +16,7 @@ namespace pof
 /// One of the two kinds of file.
 struct KIND {
     /// The bytes above 127 and the line ends show a transfer that was no binary one.
-    std::array<std::uint8_t, 8> signature;
+    CHUNK_SIGNATURE signature;
     const char* name;
     const char* description;
     bool has_loader; ///< a LOAD chunk stands behind the head
@@ -28,7 +29,7 @@ inline constexpr KIND JIC = {
 inline constexpr std::uint16_t MAJOR_VERSION = 1; ///< a reader refuses files with a higher one
 inline constexpr std::uint16_t MINOR_VERSION = 0;
 
-using TAG = std::array<char, 4>;
+using TAG = CHUNK_TAG;
 /// First chunk: major version (2), minor version (2), size of the device (8), length of its name (2), name.
 inline constexpr TAG HEAD = {'H', 'E', 'A', 'D'};
 /// JIC alone, second chunk: the FPGA through which JTAG reaches the flash and how it does: length of its name
@@ -44,11 +45,8 @@ inline constexpr TAG DATA = {'D', 'A', 'T', 'A'};
 /// Last chunk: number of bytes in all DATA chunks (8), CRC-32 of the whole image with its fill (4).
 inline constexpr TAG DONE = {'D', 'O', 'N', 'E'};
 
-inline constexpr std::size_t CHUNK_HEADER = 8;
-inline constexpr std::size_t CHUNK_TRAILER = 4;
 inline constexpr std::size_t MOST_DATA = 1024 * 1024; ///< bytes of the image in one DATA chunk
-inline constexpr std::size_t MOST_PAYLOAD = MOST_DATA + 8;
-inline constexpr std::size_t MOST_TEXT = 0xFFFF;
+static_assert(MOST_DATA + 8 <= MOST_CHUNK_PAYLOAD);
 /// Runs of fill shorter than this stay in the chunk: a new one would cost about as much.
 inline constexpr std::size_t SHORTEST_GAP = 4096;
 } // namespace pof

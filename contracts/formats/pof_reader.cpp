@@ -5,122 +5,28 @@
 #include "jtag_program.h"
 
 #include <algorithm>
-#include <cstring>
-
-namespace
-{
-/// Takes numbers and texts from a payload, and remembers when it was too short for one.
-class FIELDS
-{
-public:
-    explicit FIELDS(std::span<const std::uint8_t> bytes) : m_rest(bytes) {}
-
-    std::uint64_t number(std::size_t size)
-    {
-        std::uint64_t value = 0;
-        const std::span<const std::uint8_t> bytes = take(size);
-        for (std::size_t i = bytes.size(); i-- != 0;)
-            value = value << 8 | bytes[i];
-        return value;
-    }
-
-    std::string text()
-    {
-        const std::span<const std::uint8_t> bytes = take(static_cast<std::size_t>(number(2)));
-        return {bytes.begin(), bytes.end()};
-    }
-
-    std::span<const std::uint8_t> rest() const { return m_rest; }
-    bool complete() const { return !m_short; }
-    bool complete_and_empty() const { return !m_short && m_rest.empty(); }
-
-private:
-    std::span<const std::uint8_t> take(std::size_t size)
-    {
-        m_short = m_short || size > m_rest.size();
-        if (m_short)
-            return {};
-        const std::span<const std::uint8_t> taken = m_rest.first(size);
-        m_rest = m_rest.subspan(size);
-        return taken;
-    }
-
-    std::span<const std::uint8_t> m_rest;
-    bool m_short = false;
-};
-} // namespace
 
 POF_READER::POF_READER(const pof::KIND& kind, const BYTE_SOURCE& file)
-    : m_kind(kind), m_file(file),
-      m_reader(file, 0, pof::CHUNK_HEADER + pof::MOST_PAYLOAD + pof::CHUNK_TRAILER)
+    : m_kind(kind), m_chunks(file, kind.signature, kind.name)
 {
 }
 
 bool POF_READER::refuse(const std::string& reason, std::string& message) const
 {
-    message = "The chunk at offset " + hex_text(m_chunk_offset) + " " + reason;
-    return false;
-}
-
-bool POF_READER::signature(std::string& message)
-{
-    if (!m_reader.need(m_kind.signature.size(), message))
-        return false;
-    if (m_reader.available() < m_kind.signature.size() ||
-        !std::equal(m_kind.signature.begin(), m_kind.signature.end(), m_reader.data())) {
-        message = std::string("The file does not begin with the signature of a ") + m_kind.name + ".";
-        return false;
-    }
-    m_to_skip = m_kind.signature.size();
-    return true;
-}
-
-bool POF_READER::next(CHUNK& chunk, std::string& message)
-{
-    m_reader.skip(m_to_skip);
-    m_to_skip = 0;
-    m_chunk_offset = m_reader.offset();
-    if (!m_reader.need(pof::CHUNK_HEADER, message))
-        return false;
-    if (m_reader.available() < pof::CHUNK_HEADER) {
-        message = "The file ends at offset " + hex_text(m_file.size()) +
-                  " without its last chunk; it is not complete.";
-        return false;
-    }
-    std::memcpy(chunk.tag.data(), m_reader.data(), chunk.tag.size());
-    const std::size_t length =
-        static_cast<std::size_t>(FIELDS({m_reader.data() + chunk.tag.size(), 4}).number(4));
-    if (length > pof::MOST_PAYLOAD)
-        return refuse("claims " + bytes_text(length) + ", more than any chunk has; the file is damaged.",
-                      message);
-    const std::size_t whole = pof::CHUNK_HEADER + length + pof::CHUNK_TRAILER;
-    if (!m_reader.need(whole, message))
-        return false;
-    if (m_reader.available() < whole)
-        return refuse("goes beyond the end of the file; the file is not complete.", message);
-    const std::uint8_t* const bytes = m_reader.data();
-    const std::uint32_t wanted = crc32({bytes, pof::CHUNK_HEADER + length});
-    const std::uint64_t stored = FIELDS({bytes + pof::CHUNK_HEADER + length, pof::CHUNK_TRAILER}).number(4);
-    if (stored != wanted)
-        return refuse("has the checksum " + hex_text(stored) + " instead of " + hex_text(wanted) +
-                          "; the file is damaged.",
-                      message);
-    chunk.payload = {bytes + pof::CHUNK_HEADER, length};
-    m_to_skip = whole;
-    return true;
+    return m_chunks.refuse(reason, message);
 }
 
 bool POF_READER::read(POF_VISITOR& visitor, std::string& message)
 {
     CHUNK chunk;
-    if (!signature(message) || !next(chunk, message))
+    if (!m_chunks.begin(message) || !m_chunks.next(chunk, message))
         return false;
     if (chunk.tag != pof::HEAD)
         return refuse(std::string("is not the head of a ") + m_kind.name + ", which comes first.", message);
     if (!head(chunk, visitor, message))
         return false;
     if (m_kind.has_loader) {
-        if (!next(chunk, message))
+        if (!m_chunks.next(chunk, message))
             return false;
         if (chunk.tag != pof::LOAD)
             return refuse("is not the flash loader, which comes behind the head.", message);
@@ -128,7 +34,7 @@ bool POF_READER::read(POF_VISITOR& visitor, std::string& message)
             return false;
     }
     for (;;) {
-        if (!next(chunk, message))
+        if (!m_chunks.next(chunk, message))
             return false;
         if (chunk.tag == pof::DONE)
             return done(chunk, visitor, message);
@@ -266,11 +172,5 @@ bool POF_READER::done(const CHUNK& chunk, POF_VISITOR& visitor, std::string& mes
                   "; the file is damaged.";
         return false;
     }
-    m_reader.skip(m_to_skip);
-    m_to_skip = 0;
-    if (!m_reader.at_end()) {
-        message = "There is something behind the last chunk at offset " + hex_text(m_reader.offset()) + ".";
-        return false;
-    }
-    return visitor.done(m_crc, message);
+    return m_chunks.end(message) && visitor.done(m_crc, message);
 }

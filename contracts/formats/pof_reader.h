@@ -1,7 +1,7 @@
 #ifndef POF_READER_H
 #define POF_READER_H
 
-#include "block_reader.h"
+#include "chunk_file.h"
 #include "format.h"
 #include "pof_layout.h"
 
@@ -33,13 +33,6 @@ public:
     bool read(POF_VISITOR& visitor, std::string& message);
 
 private:
-    struct CHUNK {
-        pof::TAG tag;
-        std::span<const std::uint8_t> payload; ///< valid until the next chunk is read
-    };
-
-    bool signature(std::string& message);
-    bool next(CHUNK& chunk, std::string& message);
     bool head(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message);
     bool load(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message);
     bool part(const CHUNK& chunk, POF_VISITOR& visitor, std::string& message);
@@ -49,10 +42,7 @@ private:
     bool refuse(const std::string& reason, std::string& message) const;
 
     const pof::KIND& m_kind;
-    const BYTE_SOURCE& m_file;
-    BLOCK_READER m_reader;
-    std::size_t m_to_skip = 0;        ///< the chunk that next() gave last
-    std::uint64_t m_chunk_offset = 0; ///< where it starts
+    CHUNK_READER m_chunks;
     std::uint64_t m_image_size = 0;
     std::uint64_t m_address = 0; ///< behind the last byte handed over
     std::uint64_t m_data_size = 0;
