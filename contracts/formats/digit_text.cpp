@@ -53,9 +53,9 @@ bool DIGIT_TEXT::load_reversed(std::uint64_t begin, std::uint64_t end, std::span
     return true;
 }
 
-std::string DIGIT_TEXT::sum_digits(unsigned digit_count) const
+std::string DIGIT_TEXT::with_sum(std::string_view introduction, unsigned digit_count) const
 {
-    return hex_text(m_value, digit_count).substr(2);
+    return std::string(introduction) + hex_text(m_value, digit_count).substr(2);
 }
 
 DIGIT_TEXT_WRITER::DIGIT_TEXT_WRITER(const BYTE_SOURCE& image, CHECKSUM sum, BYTE_SINK& sink)
@@ -110,9 +110,9 @@ bool DIGIT_TEXT_WRITER::digits(std::uint64_t offset, std::uint64_t length, std::
     return true;
 }
 
-bool DIGIT_TEXT_WRITER::checksum(unsigned digit_count, std::string& message)
+bool DIGIT_TEXT_WRITER::checksum(std::string_view introduction, unsigned digit_count, std::string& message)
 {
-    return flush(message) && text(sum_digits(digit_count), message);
+    return flush(message) && text(with_sum(introduction, digit_count), message);
 }
 
 DIGIT_TEXT_CHECK::DIGIT_TEXT_CHECK(const BYTE_SOURCE& image, CHECKSUM sum, const BYTE_SOURCE& file)
@@ -200,14 +200,14 @@ bool DIGIT_TEXT_CHECK::digits(std::uint64_t offset, std::uint64_t length, std::s
     return true;
 }
 
-bool DIGIT_TEXT_CHECK::checksum(unsigned digit_count, std::string& message)
+bool DIGIT_TEXT_CHECK::checksum(std::string_view introduction, unsigned digit_count, std::string& message)
 {
-    const std::string wanted = sum_digits(digit_count);
+    const std::string wanted = with_sum(introduction, digit_count);
     if (!m_reader.need(wanted.size(), message))
         return false;
     if (m_reader.available() < wanted.size() ||
         std::memcmp(m_reader.data(), bytes_of(wanted).data(), wanted.size()) != 0)
-        return refuse("does not have the checksum " + wanted, message);
+        return refuse("does not have the checksum " + wanted.substr(introduction.size()), message);
     take(wanted.size());
     return true;
 }

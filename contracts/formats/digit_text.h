@@ -33,8 +33,9 @@ public:
     /// over, each line with a line feed. `offset` is a multiple of LINE_BYTES.
     virtual bool digits(std::uint64_t offset, std::uint64_t length, std::string& message) = 0;
 
-    /// The checksum of all characters before, in so many upper-case digits.
-    virtual bool checksum(unsigned digit_count, std::string& message) = 0;
+    /// The characters `introduction`, which do not count, and the checksum of all before them in so many
+    /// upper-case digits.
+    virtual bool checksum(std::string_view introduction, unsigned digit_count, std::string& message) = 0;
 
 protected:
     DIGIT_TEXT(const BYTE_SOURCE& image, CHECKSUM sum) : m_image(image), m_sum(sum) {}
@@ -44,7 +45,7 @@ protected:
     bool load_reversed(std::uint64_t begin, std::uint64_t end, std::span<const std::uint8_t>& bytes,
                        std::string& message);
     void add_to_sum(std::span<const std::uint8_t> characters) { m_value = m_sum(characters, m_value); }
-    std::string sum_digits(unsigned digit_count) const;
+    std::string with_sum(std::string_view introduction, unsigned digit_count) const;
 
 private:
     static constexpr std::size_t BLOCK = 64 * 1024;
@@ -66,7 +67,7 @@ public:
 
     bool text(std::string_view characters, std::string& message) override;
     bool digits(std::uint64_t offset, std::uint64_t length, std::string& message) override;
-    bool checksum(unsigned digit_count, std::string& message) override;
+    bool checksum(std::string_view introduction, unsigned digit_count, std::string& message) override;
     /// Sends what is left; to be called at the end.
     bool flush(std::string& message);
 
@@ -90,7 +91,7 @@ public:
 
     bool text(std::string_view characters, std::string& message) override;
     bool digits(std::uint64_t offset, std::uint64_t length, std::string& message) override;
-    bool checksum(unsigned digit_count, std::string& message) override;
+    bool checksum(std::string_view introduction, unsigned digit_count, std::string& message) override;
     /// That nothing is left; to be called at the end.
     bool end(std::string& message);
 

@@ -41,7 +41,8 @@ public:
                 if (!write(step))
                     return false;
         }
-        return text(std::string("STATE RESET;\n") + svf::SEAL) && m_out.checksum(8, m_message) && text("\n");
+        return text(std::string("STATE RESET;\n") + svf::SEAL) && m_out.checksum("", 8, m_message) &&
+               text("\n");
     }
 
 private:
