@@ -2,12 +2,14 @@
 
 #include "check.h"
 #include "generate_job.h"
+#include "jbc_player.h"
 #include "map_decoder.h"
 #include "msg_service.h"
 #include "output_plan.h"
 #include "pof_decoder.h"
 #include "reference_loader.h"
 #include "setup_builder.h"
+#include "stapl_player.h"
 #include "svf_player.h"
 
 #include <gmock/gmock.h>
@@ -98,6 +100,35 @@ void set_svf_options(SETUP_BUILDER& setup, const std::string& operation, const s
                                         {VEK_CMD_PARAM_OUTPUT_FILE_FILE_OPTIONS_VOLTAGE, "2_5V"}});
 }
 
+/// Each action of the program files of a setup with RBF, JAM and JBC, played into a device.
+void expect_programs_configure(const SETUP_BUILDER& setup, std::uint32_t idcode)
+{
+    const BYTES stream = read_file(setup.path("out.rbf"));
+    STAPL_PROGRAM jam = STAPL_PROGRAM::parse(read_text_file(setup.path("out.jam")));
+    const JBC_PROGRAM jbc = JBC_PROGRAM::parse(read_file(setup.path("out.jbc")));
+    EXPECT_EQ(jam.fault, "");
+    EXPECT_EQ(jbc.fault, "");
+    const auto play_both = [&](const std::string& action, const BYTES& before, const BYTES& after, int code) {
+        for (const bool text : {true, false}) {
+            JTAG_DEVICE device(idcode, 10);
+            device.expected_size = stream.size();
+            device.stream = before;
+            EXPECT_EQ(text ? jam.run(action, device) : jbc.run(action, device), code) << action << text;
+            EXPECT_EQ(jam.fault, "");
+            EXPECT_TRUE(device.stream == after) << action << text;
+            EXPECT_THAT(device.complaints, testing::IsEmpty());
+        }
+    };
+    BYTES other = stream;
+    other.back() ^= 0x80;
+    play_both("PROGRAM", other, stream, 0);
+    play_both("VERIFY", stream, stream, 0);
+    play_both("VERIFY", other, other, 11);
+    play_both("BLANKCHECK_PROGRAM", {}, stream, 0);
+    play_both("BLANKCHECK", other, other, 9);
+    play_both("ERASE", other, {}, 0);
+}
+
 } // namespace
 
 TEST(jtag_outputs, a_device_that_plays_the_vectors_gets_what_the_raw_file_holds)
@@ -124,6 +155,31 @@ TEST(jtag_outputs, a_device_that_plays_the_vectors_gets_what_the_raw_file_holds)
         EXPECT_THAT(text, HasSubstr("! Supply voltage: 2.5 V\n"));
         EXPECT_EQ(device.erasures, operation == "P" ? 1U : 0U);
     }
+}
+
+TEST(jtag_outputs, the_programs_put_into_a_device_what_the_raw_file_holds)
+{
+    SETUP_BUILDER setup("PS");
+    setup.bitstream("Bitstream_1", content_for("BS1L15", 1));
+    for (const std::string type : {"RBF", "JAM", "JBC"}) {
+        setup.output(type, {"Bitstream_1"});
+    }
+    EXPECT_THAT(findings(setup), testing::IsEmpty());
+    expect_generates(setup);
+    expect_programs_configure(setup, 0x10A15BC7);
+    EXPECT_THAT(read_text_file(setup.path("out.jam")), HasSubstr("NOTE \"DEVICE\" \"BS1L15\";\n"));
+    EXPECT_EQ(JBC_PROGRAM::parse(read_file(setup.path("out.jbc"))).device, "BS1L15");
+}
+
+TEST(jtag_outputs, the_programs_serve_the_secure_devices_too)
+{
+    SETUP_BUILDER setup("LNKSX8");
+    setup.bitstream("Bitstream_1", content_for("ZR9A012", 3));
+    for (const std::string type : {"RBF", "JAM", "JBC"}) {
+        setup.output(type, {"Bitstream_1"});
+    }
+    expect_generates(setup);
+    expect_programs_configure(setup, 0x11212BC7);
 }
 
 TEST(jtag_outputs, the_vectors_are_for_the_device_of_their_own_bitstream)
