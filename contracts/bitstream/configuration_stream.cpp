@@ -205,7 +205,8 @@ bool collect_parts(const STREAM_INPUT& input, const BITSTREAM_FILE& file, STREAM
     return true;
 }
 
-void append_records(const BITSTREAM_FILE& file, const std::vector<PART_INPUT>& parts, STREAM_ASSEMBLY& stream)
+void append_records(const STREAM_INPUT& input, const BITSTREAM_FILE& file,
+                    const std::vector<PART_INPUT>& parts, STREAM_ASSEMBLY& stream)
 {
     std::array<std::uint64_t, STREAM_PART_COUNT> lengths{};
     for (const PART_INPUT& part : parts)
@@ -221,8 +222,10 @@ void append_records(const BITSTREAM_FILE& file, const std::vector<PART_INPUT>& p
     if (!file.options().empty())
         stream.packet(OPCODE_OPTIONS, encode_options(file.options()));
     // The name of a file on the user's machine has no place in a programming file.
-    if (file.option_word() != 0)
-        stream.packet(OPCODE_OPTION_BLOCK, encode_option_block(file.option_block(), false));
+    if (input.option_block || file.option_word() != 0)
+        stream.packet(
+            OPCODE_OPTION_BLOCK,
+            encode_option_block(input.option_block ? *input.option_block : file.option_block(), false));
     if (!file.regions().empty())
         stream.packet(OPCODE_REGIONS, encode_regions(file.regions()));
 }
@@ -239,7 +242,7 @@ bool append_image(const STREAM_INPUT& input, STREAM_SELECTION selection, STREAM_
     std::vector<PART_INPUT> parts;
     if (!file || !collect_parts(input, *file, selection, parts, message))
         return false;
-    append_records(*file, parts, stream);
+    append_records(input, *file, parts, stream);
     const STREAM_METHOD method = input.enhanced_compression ? STREAM_METHOD::ZSTD
                                  : input.compression        ? STREAM_METHOD::LZ4
                                                             : STREAM_METHOD::PLAIN;

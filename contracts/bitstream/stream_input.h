@@ -1,6 +1,9 @@
 #ifndef STREAM_INPUT_H
 #define STREAM_INPUT_H
 
+#include "dset_oti_dev_options_info.h"
+
+#include <optional>
 #include <string>
 
 /// One file of a bitstream with what the setup asks to be done to it (the attributes of a PATH element).
@@ -9,6 +12,8 @@ struct STREAM_INPUT {
     bool compression = false;          ///< LZ4
     bool enhanced_compression = false; ///< Zstandard; excludes compression
     std::string hps_path{};            ///< bootloader file, empty for none
+    /// On-chip options in place of those of the file.
+    std::optional<DSET_OTI_DEV_OPTIONS_INFO> option_block{};
 };
 
 #endif

@@ -24,9 +24,6 @@ void check_targets(const SETUP_VIEW& setup, const std::vector<OUTPUT_PLAN>& outp
 void check_inputs(const SETUP_VIEW& setup, const SETUP_FACTS& facts, bool include_files, FINDINGS& findings);
 /// Options of the setup that this version does not honour, and those that exclude each other.
 void check_options(const SETUP_VIEW& setup, FINDINGS& findings);
-/// Options of the on-chip device `device_id` that differ from `of_file`, those of the bitstream.
-void check_device_options(const SETUP_VIEW& setup, const std::string& device_id,
-                          const DSET_OTI_DEV_OPTIONS_INFO& of_file, FINDINGS& findings);
 /// Key files, key names and signing keys that the options ask for.
 void check_keys(const SETUP_VIEW& setup, const SETUP_FACTS& facts, FINDINGS& findings);
 /// Flash devices, their layout and the flash loader; needs the files.

@@ -50,14 +50,14 @@ std::shared_ptr<const BYTE_SOURCE> bound_stream(const PGM_COMMON_XML_VEK_BITSTRE
 }
 
 /// Gives the sizes of real streams.
-STREAM_PROVIDER real_streams(STREAM_SELECTION selection)
+STREAM_PROVIDER real_streams(STREAM_SELECTION selection, std::optional<DSET_OTI_DEV_OPTIONS_INFO> options)
 {
-    return [selection](const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
-                       std::string& message) -> std::shared_ptr<const BYTE_SOURCE> {
+    return [selection, options](const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
+                                std::string& message) -> std::shared_ptr<const BYTE_SOURCE> {
         std::error_code error;
         const std::string directory = std::filesystem::temp_directory_path(error).string();
         const auto stream =
-            build_configuration_stream(stream_inputs(bitstream), directory, message, selection);
+            build_configuration_stream(stream_inputs(bitstream, options), directory, message, selection);
         return stream ? std::make_shared<SIZE_SOURCE>(stream->size()) : nullptr;
     };
 }
@@ -80,14 +80,6 @@ bool holds_periphery_alone(const SETUP_VIEW& setup, const std::string& id)
     return periphery;
 }
 
-bool is_used(const SETUP_VIEW& setup, const std::string& id)
-{
-    return std::any_of(setup.output_files().begin(), setup.output_files().end(), [&](const auto* output) {
-        return std::any_of(output->flash_device_id.begin(), output->flash_device_id.end(),
-                           [&](const auto* link) { return link->text == id; });
-    });
-}
-
 class FLASH_CHECK
 {
 public:
@@ -102,7 +94,6 @@ public:
         for (const PGM_COMMON_XML_VEK_FLASH_DEVICE* element : m_setup.flash_devices().all()) {
             check_mode(*element);
             check_layout(*element);
-            check_options(*element);
         }
     }
 
@@ -165,7 +156,8 @@ private:
         FINDINGS of_streams;
         const STREAM_SELECTION selection =
             holds_periphery_alone(m_setup, element.id) ? STREAM_SELECTION::PERIPHERY : STREAM_SELECTION::ALL;
-        plan_flash(m_setup, m_facts, element, real_streams(selection), exact, of_streams);
+        plan_flash(m_setup, m_facts, element, real_streams(selection, onchip_options(m_setup, element)),
+                   exact, of_streams);
         copy(of_streams);
     }
 
@@ -181,24 +173,6 @@ private:
             if (!known) {
                 m_findings.add(finding.kind, finding.element, finding.text);
             }
-        }
-    }
-
-    void check_options(const PGM_COMMON_XML_VEK_FLASH_DEVICE& element)
-    {
-        const PGM_DEVICE* device = PGM_DEVICE_INDEX::find_by_name(element.type);
-        const auto& bitstreams = m_setup.bitstreams().all();
-        if (device == nullptr || device->family != DEV_FAMILY_ONCHIP_FLASH || !is_used(m_setup, element.id) ||
-            bitstreams.empty() || bitstreams.front()->path.empty()) {
-            return;
-        }
-        std::string message;
-        const auto file =
-            BITSTREAM_FILE::open(absolute_path(bitstreams.front()->path.front()->text), message);
-        if (file) {
-            check_device_options(
-                m_setup, element.id,
-                file->option_word() != 0 ? file->option_block() : DSET_OTI_DEV_OPTIONS_INFO(), m_findings);
         }
     }
 

@@ -1,7 +1,6 @@
 #include "check.h"
 #include "fio_path.h"
 #include "pgm_common_xml_descriptor.h"
-#include "pgm_device.h"
 #include "vek_file_assistant.h"
 
 #include <algorithm>
@@ -61,35 +60,6 @@ constexpr UNHONOURED_OPTION BITSTREAM_ID_OPTIONS[] = {
 
 constexpr UNHONOURED_OPTION FLASH_OPTIONS[] = {
     {"chip_select", "0", "a chip select"},
-};
-
-/// The device options that stand in the configuration stream as the bitstream file brings them.
-struct DEVICE_OPTION {
-    const char* name;
-    bool (*equal)(const DSET_OTI_DEV_OPTIONS_INFO& a, const DSET_OTI_DEV_OPTIONS_INFO& b);
-};
-
-template <auto MEMBER>
-bool same(const DSET_OTI_DEV_OPTIONS_INFO& a, const DSET_OTI_DEV_OPTIONS_INFO& b)
-{
-    return a.*MEMBER == b.*MEMBER;
-}
-
-using INFO = DSET_OTI_DEV_OPTIONS_INFO;
-constexpr DEVICE_OPTION DEVICE_OPTIONS[] = {
-    {"power_on_scheme", same<&INFO::power_on_scheme>},
-    {"enable_user_ios_weak_pullup", same<&INFO::user_ios_weak_pullup>},
-    {"config_from_cfm0_only", same<&INFO::not_cfm0_only>},
-    {"isp_source", same<&INFO::isp_source>},
-    {"enable_jtag_security", same<&INFO::jtag_security>},
-    {"enable_verify_protect", same<&INFO::verify_protect>},
-    {"enable_encrypted_pof_only", same<&INFO::encrypted_pof_only>},
-    {"watchdog_value", same<&INFO::watchdog_value>},
-    {"enable_spi_mode", same<&INFO::spi_mode>},
-    {"fallback_address", same<&INFO::fallback_address>},
-    {"force_ssmclk_to_use_ismclk", same<&INFO::force_ssmclk_to_use_ismclk>},
-    {"enable_test", same<&INFO::enable_test>},
-    {"disable_test", same<&INFO::disable_test>},
 };
 
 class OPTION_CHECK
@@ -164,20 +134,4 @@ private:
 void check_options(const SETUP_VIEW& setup, FINDINGS& findings)
 {
     OPTION_CHECK(setup, findings).run();
-}
-
-void check_device_options(const SETUP_VIEW& setup, const std::string& device_id,
-                          const DSET_OTI_DEV_OPTIONS_INFO& of_file, FINDINGS& findings)
-{
-    INFO of_setup;
-    VEK_FILE_ASSISTANT::get_internal_configuration_options(&setup.document(), of_setup, device_id);
-    for (const DEVICE_OPTION& option : DEVICE_OPTIONS) {
-        if (!option.equal(of_setup, of_file)) {
-            findings.add(
-                FINDING_OPTION_NOT_HONOURED, element_label("FLASH_DEVICE", device_id),
-                "The device option \"" + std::string(option.name) +
-                    "\" differs from that of the bitstream file, and this version writes the options of "
-                    "the file; set it to the value of the file.");
-        }
-    }
 }

@@ -1,6 +1,7 @@
 #include "check.h"
 #include "partition_layout.h"
 #include "pgm_common_xml_descriptor.h"
+#include "value_rules.h"
 #include "vek_db.h"
 
 #include <algorithm>
@@ -15,23 +16,6 @@ std::string id_of(const PGM_COMMON_XML_ELEMENT& element, const PGM_COMMON_XML_EL
     return descriptor.key == PGM_COMMON_XML_NO_KEY ? "" : pgm_common_xml_read(element, descriptor.key);
 }
 
-std::string words_text(std::span<const PGM_COMMON_XML_ENUM> words)
-{
-    std::string text;
-    for (const PGM_COMMON_XML_ENUM word : words) {
-        text += (text.empty() ? "" : ", ") + std::string(PGM_COMMON_XML_ENUM_STRING[word]);
-    }
-    return text;
-}
-
-bool is_bool(std::string text)
-{
-    constexpr const char* WORDS[] = {"1", "0", "on", "off", "true", "false"};
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return std::find(std::begin(WORDS), std::end(WORDS), text) != std::end(WORDS);
-}
-
 /// Empty when the value is legal, else what is wanted. Addresses are the business of the layout.
 std::string wanted_value(const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& attribute, const std::string& value)
 {
@@ -42,13 +26,10 @@ std::string wanted_value(const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& attribute, c
     if (attribute.type == PGM_XML_TYPE_DECIMAL && (!parse_decimal(value, number) || number > 0xFFFFFFFF)) {
         return "a decimal number below 4294967296";
     }
-    if (attribute.type == PGM_XML_TYPE_BOOL && !is_bool(value)) {
-        return "1 or 0";
-    }
-    if (attribute.type == PGM_XML_TYPE_WORD &&
-        std::none_of(attribute.words.begin(), attribute.words.end(),
-                     [&](PGM_COMMON_XML_ENUM word) { return value == PGM_COMMON_XML_ENUM_STRING[word]; })) {
-        return "one of " + words_text(attribute.words);
+    std::string normal = value;
+    std::string expected;
+    if (!normalise_value(attribute, normal, expected)) {
+        return expected;
     }
     return "";
 }
@@ -78,17 +59,17 @@ private:
         const auto modes = VEK_DB_UTIL::get_enabled_config_modes();
         if (std::find(modes.begin(), modes.end(), m_setup.mode()) == modes.end()) {
             m_findings.add(FINDING_MODE_MISSING, "SETTINGS",
-                           "No configuration mode is set; choose one of " + modes_text(modes) + ".");
+                           "No configuration mode is set; choose " + modes_text(modes) + ".");
         }
     }
 
     static std::string modes_text(const std::vector<PGMIO_CONFIG_SCHEME>& modes)
     {
-        std::vector<PGM_COMMON_XML_ENUM> words;
+        std::vector<std::string> words;
         for (const PGMIO_CONFIG_SCHEME mode : modes) {
-            words.push_back(VEK_DB::get_xml_enum(mode));
+            words.emplace_back(PGM_COMMON_XML_ENUM_STRING[VEK_DB::get_xml_enum(mode)]);
         }
-        return words_text(words);
+        return join_words(words);
     }
 
     void check_element(const PGM_COMMON_XML_ELEMENT& element, const std::string& parent)

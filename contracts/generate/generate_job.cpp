@@ -92,7 +92,6 @@ private:
     /// Reports what forbids generation and says whether there was nothing of that kind.
     static bool report(const FINDINGS& findings)
     {
-        std::set<std::string> directories;
         for (const FINDING& finding : findings.all()) {
             if (finding.row().severity != FINDING_WARNING) {
                 vek_report(MSG_VEK::E::SETTINGS_CHECK_ERROR(finding.sentence()));
@@ -140,10 +139,13 @@ private:
         return STREAM_SELECTION::CORE;
     }
 
-    /// A part of bitstreams as one text that tells equal lists.
-    static std::string stream_key(FORMAT_PART part, const std::vector<std::string>& ids)
+    /// A part of bitstreams, with the options of a flash device or of their files, as one text that tells
+    /// equal lists.
+    static std::string stream_key(FORMAT_PART part, const std::vector<std::string>& ids,
+                                  const std::string& options_of = "")
     {
-        std::string key = std::to_string(static_cast<unsigned>(part)) + ' ';
+        std::string key = std::to_string(static_cast<unsigned>(part)) + ' ' +
+                          std::to_string(options_of.size()) + ":" + options_of;
         for (const std::string& id : ids) {
             key += std::to_string(id.size()) + ":" + id;
         }
@@ -162,16 +164,25 @@ private:
     }
 
     using FLASH_KEY = std::pair<FORMAT_PART, std::string>;
+
+    /// Empty where a device has no options of its own, so that its streams are shared with other outputs.
+    std::string options_of(const FLASH_KEY& key) const
+    {
+        return onchip_options(m_setup, *m_setup.flash_devices().find(key.second)) ? key.second : "";
+    }
+
     static FLASH_KEY flash_key(const OUTPUT_PLAN& plan)
     {
         return {plan.part, plan.output->flash_device_id.front()->text};
     }
 
-    void want_stream(FORMAT_PART part, const std::vector<std::string>& ids)
+    /// `options_of`: the flash device whose options the stream takes, empty for those of the files.
+    void want_stream(FORMAT_PART part, const std::vector<std::string>& ids,
+                     const std::string& options_of = "")
     {
-        const auto [entry, is_new] = m_streams.emplace(stream_key(part, ids), STREAM());
+        const auto [entry, is_new] = m_streams.emplace(stream_key(part, ids, options_of), STREAM());
         if (is_new) {
-            m_stream_jobs.push_back({part, ids, &entry->second});
+            m_stream_jobs.push_back({part, inputs_of(ids, options_of), &entry->second});
         }
     }
 
@@ -182,7 +193,7 @@ private:
             if (is_from_flash(plan)) {
                 if (m_flash.emplace(flash_key(plan), FLASH()).second) {
                     for (const std::string& id : stream_ids(plan)) {
-                        want_stream(plan.part, {id});
+                        want_stream(plan.part, {id}, options_of(flash_key(plan)));
                     }
                 }
             } else {
@@ -190,7 +201,7 @@ private:
             }
         }
         for (const STREAM_JOB& job : m_stream_jobs) {
-            for (const STREAM_INPUT& input : inputs_of(job.ids)) {
+            for (const STREAM_INPUT& input : job.inputs) {
                 std::string message;
                 const auto file = FILE_SOURCE::open(input.path, message);
                 m_input_bytes += file ? file->size() : 0;
@@ -198,11 +209,14 @@ private:
         }
     }
 
-    std::vector<STREAM_INPUT> inputs_of(const std::vector<std::string>& ids) const
+    std::vector<STREAM_INPUT> inputs_of(const std::vector<std::string>& ids,
+                                        const std::string& options_of) const
     {
+        const PGM_COMMON_XML_VEK_FLASH_DEVICE* device = m_setup.flash_devices().find(options_of);
+        const auto options = device == nullptr ? std::nullopt : onchip_options(m_setup, *device);
         std::vector<STREAM_INPUT> inputs;
         for (const std::string& id : ids) {
-            const auto of_one = stream_inputs(*m_setup.bitstreams().find(id));
+            const auto of_one = stream_inputs(*m_setup.bitstreams().find(id), options);
             inputs.insert(inputs.end(), of_one.begin(), of_one.end());
         }
         return inputs;
@@ -211,10 +225,10 @@ private:
     void build_streams()
     {
         run_parallel(m_stream_jobs.size(), m_options.threads, [this](std::size_t i) {
-            const auto& [part, ids, stream] = m_stream_jobs[i];
-            stream->content = build_configuration_stream(inputs_of(ids), *m_directories.begin(),
-                                                         stream->failure, selection_of(part));
-            for (const STREAM_INPUT& input : inputs_of(ids)) {
+            const auto& [part, inputs, stream] = m_stream_jobs[i];
+            stream->content = build_configuration_stream(inputs, *m_directories.begin(), stream->failure,
+                                                         selection_of(part));
+            for (const STREAM_INPUT& input : inputs) {
                 std::string message;
                 const auto file = FILE_SOURCE::open(input.path, message);
                 PROGRESS::instance().advance(file ? file->size() : 0, input.path);
@@ -222,11 +236,11 @@ private:
         });
     }
 
-    STREAM_PROVIDER provider(FORMAT_PART part) const
+    STREAM_PROVIDER provider(FORMAT_PART part, const std::string& options_of) const
     {
-        return [this, part](const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
-                            std::string& message) -> std::shared_ptr<const BYTE_SOURCE> {
-            const auto stream = m_streams.find(stream_key(part, {bitstream.id}));
+        return [this, part, options_of](const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
+                                        std::string& message) -> std::shared_ptr<const BYTE_SOURCE> {
+            const auto stream = m_streams.find(stream_key(part, {bitstream.id}, options_of));
             message = stream->second.failure;
             return stream->second.content;
         };
@@ -240,8 +254,8 @@ private:
         for (auto& [key, flash] : m_flash) {
             FINDINGS findings;
             jobs.emplace_back(FLASH_PLAN(), &flash);
-            plan_flash(m_setup, m_facts, *m_setup.flash_devices().find(key.second), provider(key.first),
-                       jobs.back().first, findings);
+            plan_flash(m_setup, m_facts, *m_setup.flash_devices().find(key.second),
+                       provider(key.first, options_of(key)), jobs.back().first, findings);
             usable = report(findings) && usable;
         }
         if (!usable) {
@@ -356,7 +370,7 @@ private:
 
     struct STREAM_JOB {
         FORMAT_PART part;
-        std::vector<std::string> ids;
+        std::vector<STREAM_INPUT> inputs;
         STREAM* stream;
     };
 

@@ -107,7 +107,8 @@ std::vector<std::string> output_bitstreams(const SETUP_VIEW& setup,
     return ids;
 }
 
-std::vector<STREAM_INPUT> stream_inputs(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream)
+std::vector<STREAM_INPUT> stream_inputs(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
+                                        const std::optional<DSET_OTI_DEV_OPTIONS_INFO>& option_block)
 {
     std::vector<STREAM_INPUT> inputs;
     for (const PGM_COMMON_XML_VEK_PATH* file : bitstream.path) {
@@ -116,9 +117,22 @@ std::vector<STREAM_INPUT> stream_inputs(const PGM_COMMON_XML_VEK_BITSTREAM& bits
         input.compression = VEK_FILE_ASSISTANT::convert_string_to_bool(file->compression);
         input.enhanced_compression = VEK_FILE_ASSISTANT::convert_string_to_bool(file->enhanced_compression);
         input.hps_path = file->hps_path.empty() ? "" : absolute_path(file->hps_path);
+        input.option_block = option_block;
         inputs.push_back(input);
     }
     return inputs;
+}
+
+std::optional<DSET_OTI_DEV_OPTIONS_INFO> onchip_options(const SETUP_VIEW& setup,
+                                                        const PGM_COMMON_XML_VEK_FLASH_DEVICE& device)
+{
+    const PGM_DEVICE* record = PGM_DEVICE_INDEX::find_by_name(device.type);
+    DSET_OTI_DEV_OPTIONS_INFO options;
+    if (record == nullptr || record->family != DEV_FAMILY_ONCHIP_FLASH ||
+        !VEK_FILE_ASSISTANT::get_internal_configuration_options(&setup.document(), options, device.id)) {
+        return std::nullopt;
+    }
+    return options;
 }
 
 std::string input_names(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream)

@@ -29,8 +29,15 @@ const PGM_DEVICE* bitstream_device(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream
 std::vector<std::string> output_bitstreams(const SETUP_VIEW& setup,
                                            const PGM_COMMON_XML_VEK_OUTPUT_FILE& output);
 
-/// The files of a bitstream, as the stream builder takes them.
-std::vector<STREAM_INPUT> stream_inputs(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream);
+/// The files of a bitstream, as the stream builder takes them. `option_block`: device options in place of
+/// those of the files.
+std::vector<STREAM_INPUT>
+stream_inputs(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
+              const std::optional<DSET_OTI_DEV_OPTIONS_INFO>& option_block = std::nullopt);
+
+/// The options that the setup has for an on-chip device; nothing for another device.
+std::optional<DSET_OTI_DEV_OPTIONS_INFO> onchip_options(const SETUP_VIEW& setup,
+                                                        const PGM_COMMON_XML_VEK_FLASH_DEVICE& device);
 
 /// The names of the files without directories, joined by ", ".
 std::string input_names(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream);

@@ -96,10 +96,9 @@ TEST(check, an_empty_setup_has_neither_mode_nor_output)
     EXPECT_FALSE(can_save);
     EXPECT_FALSE(can_generate);
     EXPECT_FALSE(has_warning);
-    EXPECT_EQ(message,
-              "SETTINGS: No configuration mode is set; choose one of ASX1, ASX4, PS, FPP, LNKSX8, LNKSX16, "
-              "LNKSX32, INTERNAL.\n"
-              "OUTPUT_FILES: The setup has no output file; choose at least one output file type.");
+    EXPECT_EQ(message, "SETTINGS: No configuration mode is set; choose ASX1, ASX4, PS, FPP, LNKSX8, LNKSX16, "
+                       "LNKSX32 or INTERNAL.\n"
+                       "OUTPUT_FILES: The setup has no output file; choose at least one output file type.");
 }
 
 TEST(check, ids_must_be_there_and_be_unique)
@@ -163,14 +162,14 @@ TEST(check, values_must_be_of_their_kind)
     setup.document().output_files[0]->output_file[0]->flash_device_id[0]->text = "F";
     EXPECT_THAT(
         sentences(check(setup), FINDING_VALUE_ILLEGAL),
-        ElementsAre(P1 + "The attribute \"reserved\" is \"maybe\"; it must be 1 or 0.",
+        ElementsAre(P1 + "The attribute \"reserved\" is \"maybe\"; it must be 1, 0, ON, OFF, true or false.",
                     "ASSIGNMENT \"P1\": The attribute \"page\" is \"one\"; it must be a decimal number below "
                     "4294967296."));
     PASSIVE passive;
     passive.file().signing = "LATER";
     EXPECT_FALSE(check(passive).can_save());
     EXPECT_THAT(sentences(check(passive), FINDING_VALUE_ILLEGAL)[0],
-                testing::HasSubstr("The attribute \"signing\" is \"LATER\"; it must be one of OFF, ON."));
+                testing::HasSubstr("The attribute \"signing\" is \"LATER\"; it must be OFF or ON."));
 }
 
 TEST(check, an_output_needs_its_input)
@@ -209,6 +208,56 @@ TEST(check, an_output_must_be_on_offer_and_have_a_writer)
         flash, FINDING_OUTPUT_NOT_OFFERED,
         "OUTPUT_FILE \"RBF\": The type \"Raw Binary File (.rbf)\" is not made in the mode \"Active Serial\"; "
         "choose another type or another mode.");
+}
+
+TEST(check, a_vector_file_needs_a_frequency_with_its_unit)
+{
+    PASSIVE setup;
+    setup.output("SVF", {"Bitstream_1"});
+    setup.set(VEK_CMD_OPT_OUTPUT_FILE, {{VEK_CMD_PARAM_OUTPUT_FILE_TYPE, "SVF"},
+                                        {VEK_CMD_PARAM_OUTPUT_FILE_FILE_OPTIONS_FREQUENCY, "fast"}});
+    expect_only(
+        setup, FINDING_FREQUENCY,
+        "OUTPUT_FILE \"SVF\": The TCK frequency \"fast\" is no number with its unit, Hz, kHz or MHz, of at "
+        "least 1 Hz; write one such as 10 MHz.");
+}
+
+TEST(check, an_output_file_holds_one_flash_device)
+{
+    ACTIVE setup;
+    setup.flash("G", "W25Q16JV");
+    setup.output("RPD", {}, "G");
+    expect_only(setup, FINDING_FLASH_TOO_MANY,
+                "OUTPUT_FILE \"RPD\": 2 flash devices go into this output file, and it can hold one; remove "
+                "the others.");
+}
+
+TEST(check, a_master_boot_record_is_refused)
+{
+    ACTIVE setup;
+    auto* record = new PGM_COMMON_XML_VEK_MBR;
+    record->id = "MBR1";
+    setup.device().group_child(record, false, true);
+    expect_only(
+        setup, FINDING_MBR_NOT_SUPPORTED,
+        "FLASH_DEVICE \"F\" / MBR \"MBR1\": This version cannot write a master boot record; remove it.");
+}
+
+TEST(check, a_bitstream_without_a_page_in_a_device_with_pages_cannot_be_selected)
+{
+    SETUP_BUILDER setup("PS");
+    setup.bitstream("Bitstream_1");
+    setup.flash("F", "CFI_16MB");
+    setup.reserved("F", false, false);
+    setup.partition("F", "P1");
+    setup.assign("P1", "Bitstream_1", "0");
+    setup.output("POF", {}, "F");
+    EXPECT_EQ(check(setup).message(), "");
+    setup.document().assignments[0]->assignment[0]->page = "";
+    const FINDINGS findings = check(setup);
+    EXPECT_THAT(sentences(findings, FINDING_PAGE_MISSING),
+                ElementsAre(testing::StartsWith("FLASH_DEVICE \"F\" / PARTITION \"P1\": ")));
+    EXPECT_TRUE(findings.can_generate());
 }
 
 TEST(check, options_that_are_not_honoured_are_named)

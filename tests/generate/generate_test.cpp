@@ -370,6 +370,26 @@ TEST(generate, on_chip_flash_gets_both_images_and_the_user_flash)
     EXPECT_EQ(decode_pof(read_file(setup.path("out.pof"))).image, image);
 }
 
+TEST(generate, the_options_of_an_on_chip_device_go_into_its_image)
+{
+    SETUP_BUILDER setup("INTERNAL");
+    SMALL_BITSTREAM bitstream = small("GY1M08", 1);
+    bitstream.scheme = 15;
+    setup.bitstream("Bitstream_1", bitstream);
+    setup.flash("Flash_Device_1", "GY1M08");
+    setup.reserved("Flash_Device_1", false, false);
+    setup.assign("CFM0", "Bitstream_1");
+    setup.set(VEK_CMD_OPT_FLASH_DEVICE, {{VEK_CMD_PARAM_FLASH_DEVICE_ID, "Flash_Device_1"},
+                                         {VEK_CMD_PARAM_FLASH_DEVICE_WATCHDOG_VALUE, "4660"},
+                                         {VEK_CMD_PARAM_FLASH_DEVICE_POWER_ON_SCHEME, "2"}});
+    setup.output("RPD", {}, "Flash_Device_1");
+    expect_generates(setup);
+    const BYTES record = load(read_file(setup.path("out.rpd")), 0x8000).images.at(0).option_block;
+    ASSERT_EQ(record.size(), 22U);
+    EXPECT_EQ(number(record, 4, 4), 2U);
+    EXPECT_EQ(number(record, 8, 4), 4660U);
+}
+
 TEST(generate, the_options_of_a_raw_programming_file_are_honoured)
 {
     SETUP_BUILDER setup("ASX1");
