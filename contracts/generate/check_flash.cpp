@@ -1,13 +1,11 @@
 #include "bitstream_file.h"
 #include "check.h"
-#include "configuration_stream.h"
 #include "flash_plan.h"
-#include "format_registry.h"
 #include "pgm_device.h"
+#include "stream_sizes.h"
 #include "vek_db.h"
 
 #include <algorithm>
-#include <filesystem>
 
 namespace
 {
@@ -15,22 +13,6 @@ namespace
 /// Bytes that a stream of plain frames takes beyond its data, at most.
 constexpr std::uint64_t STREAM_OVERHEAD = 256 * 1024;
 constexpr std::uint64_t STREAM_OVERHEAD_DIVISOR = 64;
-
-/// Stands for a stream of which only the size matters.
-class SIZE_SOURCE final : public BYTE_SOURCE
-{
-public:
-    explicit SIZE_SOURCE(std::uint64_t size) : m_size(size) {}
-    std::uint64_t size() const override { return m_size; }
-    bool read(std::uint64_t, std::span<std::uint8_t>, std::string& message) const override
-    {
-        message = "The stream is not built yet.";
-        return false;
-    }
-
-private:
-    std::uint64_t m_size;
-};
 
 /// More than the stream of the bitstream can have: frames never grow by compression.
 std::shared_ptr<const BYTE_SOURCE> bound_stream(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
@@ -46,38 +28,7 @@ std::shared_ptr<const BYTE_SOURCE> bound_stream(const PGM_COMMON_XML_VEK_BITSTRE
         const std::uint64_t plain = file->size() + (bootloader ? bootloader->size() : 0);
         size += plain + plain / STREAM_OVERHEAD_DIVISOR + STREAM_OVERHEAD;
     }
-    return std::make_shared<SIZE_SOURCE>(size);
-}
-
-/// Gives the sizes of real streams.
-STREAM_PROVIDER real_streams(STREAM_SELECTION selection, std::optional<DSET_OTI_DEV_OPTIONS_INFO> options)
-{
-    return [selection, options](const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
-                                std::string& message) -> std::shared_ptr<const BYTE_SOURCE> {
-        std::error_code error;
-        const std::string directory = std::filesystem::temp_directory_path(error).string();
-        const auto stream =
-            build_configuration_stream(stream_inputs(bitstream, options), directory, message, selection);
-        return stream ? std::make_shared<SIZE_SOURCE>(stream->size()) : nullptr;
-    };
-}
-
-/// Whether files of the periphery alone are all that is made from the flash device.
-bool holds_periphery_alone(const SETUP_VIEW& setup, const std::string& id)
-{
-    bool periphery = false;
-    for (const PGM_COMMON_XML_VEK_OUTPUT_FILE* output : setup.output_files()) {
-        const FORMAT_ROW* row = find_format_row(output_type_of(output->type));
-        for (const PGM_COMMON_XML_VEK_FLASH_DEVICE_ID* link : output->flash_device_id) {
-            if (link->text == id && row != nullptr) {
-                if (row->part != FORMAT_PART::PERIPHERY) {
-                    return false;
-                }
-                periphery = true;
-            }
-        }
-    }
-    return periphery;
+    return size_source(size);
 }
 
 class FLASH_CHECK
@@ -154,10 +105,7 @@ private:
         }
         FLASH_PLAN exact;
         FINDINGS of_streams;
-        const STREAM_SELECTION selection =
-            holds_periphery_alone(m_setup, element.id) ? STREAM_SELECTION::PERIPHERY : STREAM_SELECTION::ALL;
-        plan_flash(m_setup, m_facts, element, real_streams(selection, onchip_options(m_setup, element)),
-                   exact, of_streams);
+        plan_flash(m_setup, m_facts, element, real_stream_sizes(m_setup, element), exact, of_streams);
         copy(of_streams);
     }
 

@@ -5,21 +5,6 @@
 namespace
 {
 
-bool is_generated(const PARTITION_PLAN& partition)
-{
-    switch (partition.content()) {
-    case PARTITION_CONTENT_PAGE_TABLE:
-    case PARTITION_CONTENT_PARTITIONS:
-    case PARTITION_CONTENT_POINTERS:
-    case PARTITION_CONTENT_BOOT_INFO:
-        return true;
-    case PARTITION_CONTENT_INPUT:
-    case PARTITION_CONTENT_USER_FLASH:
-        break;
-    }
-    return false;
-}
-
 /// Fills the image of one plan.
 class CONTENT_BUILDER
 {
@@ -71,7 +56,7 @@ private:
             region.has_page = partition->page.has_value();
             region.page = partition->page.value_or(0);
             region.input = partition->input_names;
-            if (!is_generated(*partition) && !measure(*partition, region, message)) {
+            if (!partition->is_generated() && !measure(*partition, region, message)) {
                 return false;
             }
             m_content.regions.push_back(region);
@@ -82,7 +67,7 @@ private:
     bool measure_tables(std::string& message)
     {
         for (std::size_t i = 0; i < m_sorted.size(); ++i) {
-            if (is_generated(*m_sorted[i]) && !measure(*m_sorted[i], m_content.regions[i], message)) {
+            if (m_sorted[i]->is_generated() && !measure(*m_sorted[i], m_content.regions[i], message)) {
                 return false;
             }
         }
@@ -93,7 +78,7 @@ private:
     {
         for (const PARTITION_PLAN* partition : m_sorted) {
             std::vector<std::uint8_t> table;
-            if (is_generated(*partition) &&
+            if (partition->is_generated() &&
                 !(make_table(*partition, table, message) &&
                   m_content.image->add(partition->place.start,
                                        std::make_shared<MEMORY_SOURCE>(std::move(table)), message))) {
@@ -143,7 +128,7 @@ private:
         for (std::size_t i = 0; i < m_sorted.size(); ++i) {
             const PARTITION_PLAN& partition = *m_sorted[i];
             const std::uint32_t flags = (partition.rule != nullptr ? SUB_PARTITION_RESERVED : 0U) |
-                                        (is_generated(partition) ? SUB_PARTITION_GENERATED : 0U);
+                                        (partition.is_generated() ? SUB_PARTITION_GENERATED : 0U);
             entries.push_back({partition.element->id, partition.place.start,
                                partition.place.end - partition.place.start + 1, partition.content_size,
                                m_content.regions[i].crc, flags});
@@ -201,6 +186,21 @@ private:
 };
 
 } // namespace
+
+bool PARTITION_PLAN::is_generated() const
+{
+    switch (content()) {
+    case PARTITION_CONTENT_PAGE_TABLE:
+    case PARTITION_CONTENT_PARTITIONS:
+    case PARTITION_CONTENT_POINTERS:
+    case PARTITION_CONTENT_BOOT_INFO:
+        return true;
+    case PARTITION_CONTENT_INPUT:
+    case PARTITION_CONTENT_USER_FLASH:
+        break;
+    }
+    return false;
+}
 
 bool build_flash_content(const FLASH_PLAN& plan, FLASH_CONTENT& content, std::string& message)
 {

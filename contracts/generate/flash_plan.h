@@ -39,6 +39,8 @@ struct PARTITION_PLAN {
     std::uint64_t content_size = 0; ///< from the start of the partition to behind the last byte in use
     PLACED_PARTITION place;
 
+    /// Whether generation makes the content itself, a table say.
+    bool is_generated() const;
     PARTITION_CONTENT content() const { return rule == nullptr ? PARTITION_CONTENT_INPUT : rule->content; }
 };
 

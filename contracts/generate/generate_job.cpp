@@ -3,14 +3,17 @@
 #include "atomic_file.h"
 #include "check.h"
 #include "configuration_stream.h"
+#include "fio_path.h"
 #include "flash_plan.h"
 #include "format_registry.h"
 #include "parallel.h"
 #include "pgm_device.h"
 #include "progress.h"
+#include "same_file.h"
 #include "vek_msgs.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 #include <mutex>
 #include <new>
@@ -62,6 +65,35 @@ public:
     {
     }
 
+    /// Verifies what stands at the places of the outputs, or `file` in the place of one of them.
+    bool verify(const std::string& file, std::vector<OUTPUT_VERDICT>& verdicts)
+    {
+        FINDINGS findings;
+        check_setup(m_setup.document(), false, m_options.output_directory, findings);
+        if (!report(findings)) {
+            return false;
+        }
+        if (!file.empty() && !keep_output_of(file)) {
+            return true;
+        }
+        m_facts = find_setup_facts(m_setup);
+        collect();
+        std::error_code error;
+        m_directories = {std::filesystem::temp_directory_path(error).string()};
+        const PROGRESS_SCOPE scope(m_input_bytes);
+        build_streams();
+        if (!build_flash_contents()) {
+            return false;
+        }
+        verdicts.resize(m_plans.size());
+        run_parallel(m_plans.size(), m_options.threads, [&](std::size_t i) {
+            verdicts[i].path = m_plans[i].path;
+            verdicts[i].type = m_plans[i].type;
+            verify_one(m_plans[i], verdicts[i]);
+        });
+        return true;
+    }
+
     bool run(std::vector<WRITTEN_FILE>& written)
     {
         if (!may_begin()) {
@@ -89,6 +121,49 @@ public:
     }
 
 private:
+    /// The output with the path of the file, or else with its name, is left, with that path.
+    bool keep_output_of(const std::string& file)
+    {
+        auto found = std::find_if(m_plans.begin(), m_plans.end(),
+                                  [&](const OUTPUT_PLAN& plan) { return same_file(plan.path, file); });
+        if (found == m_plans.end()) {
+            found = std::find_if(m_plans.begin(), m_plans.end(), [&](const OUTPUT_PLAN& plan) {
+                return plan.file_name == FIO_PATH(file).filename();
+            });
+        }
+        if (found == m_plans.end()) {
+            return false;
+        }
+        const OUTPUT_PLAN kept = *found;
+        m_plans = {kept};
+        m_plans.front().path = absolute_path(file);
+        return true;
+    }
+
+    void verify_one(const OUTPUT_PLAN& plan, OUTPUT_VERDICT& verdict) const
+    {
+        FORMAT_REQUEST request;
+        std::string message;
+        const FORMAT* format = find_format(plan.type);
+        if (format == nullptr) {
+            verdict.problem = plan.path + ": this type of file cannot be verified.";
+            return;
+        }
+        if (!make_request(plan, request, message)) {
+            verdict.problem = message;
+            return;
+        }
+        const auto file = FILE_SOURCE::open(plan.path, message);
+        if (!file) {
+            verdict.problem = message;
+            return;
+        }
+        verdict.size = file->size();
+        if (!format->verify(request, *file, message)) {
+            verdict.problem = plan.path + ": " + message;
+        }
+    }
+
     /// Reports what forbids generation and says whether there was nothing of that kind.
     static bool report(const FINDINGS& findings)
     {
@@ -376,7 +451,7 @@ private:
 
     const SETUP_VIEW m_setup;
     const GENERATE_OPTIONS& m_options;
-    const std::vector<OUTPUT_PLAN> m_plans;
+    std::vector<OUTPUT_PLAN> m_plans;
     SETUP_FACTS m_facts;
     std::set<std::string> m_directories;
     std::uint64_t m_input_bytes = 0;
@@ -392,4 +467,11 @@ bool generate_document(const PGM_COMMON_XML_VEK_VEK& document, const GENERATE_OP
                        std::vector<WRITTEN_FILE>& written)
 {
     return JOB(document, options).run(written);
+}
+
+bool verify_outputs(const PGM_COMMON_XML_VEK_VEK& document, const VERIFY_OPTIONS& options,
+                    std::vector<OUTPUT_VERDICT>& verdicts)
+{
+    const GENERATE_OPTIONS places{options.output_directory, options.threads};
+    return JOB(document, places).verify(options.file, verdicts);
 }

@@ -32,4 +32,28 @@ struct WRITTEN_FILE {
 bool generate_document(const PGM_COMMON_XML_VEK_VEK& document, const GENERATE_OPTIONS& options,
                        std::vector<WRITTEN_FILE>& written);
 
+/// How a verification is done.
+struct VERIFY_OPTIONS {
+    std::string output_directory; ///< looks here instead of where the setup says, unless it is empty
+    unsigned threads = 0;         ///< at most so many at once; 0 for as many as the machine runs
+    /// Looks at this file alone, which stands for the output that has its path, or else its file name.
+    std::string file;
+};
+
+/// What verification has found out about an output.
+struct OUTPUT_VERDICT {
+    std::string path; ///< absolute
+    VEK_FILE_TYPE type = VEK_INVALID_FILE_TYPE;
+    std::uint64_t size = 0; ///< bytes of the file, 0 when it cannot be read
+    std::string problem;    ///< a whole sentence that names the file and the place; empty when all is well
+};
+
+/// Compares the output files of a setup with what generation would write now, and writes nothing. `verdicts`
+/// gets one entry for each output in document order. A setup that the check refuses in what it says is not
+/// begun, and neither is one whose flash layout proves impossible: the findings are reported through the
+/// message service, and the result is false. `verdicts` stays empty when `options.file` is none of the
+/// outputs. The rest as for generation.
+bool verify_outputs(const PGM_COMMON_XML_VEK_VEK& document, const VERIFY_OPTIONS& options,
+                    std::vector<OUTPUT_VERDICT>& verdicts);
+
 #endif
