@@ -3,6 +3,7 @@
 #include "commands.h"
 #include "inspect.h"
 #include "inspect_facts.h"
+#include "programming_file.h"
 #include "same_file.h"
 
 namespace
@@ -15,7 +16,9 @@ public:
     CLI::App* declare(CLI::App& application) override
     {
         CLI::App* command = application.add_subcommand("inspect", "Say what a file is and what it holds");
-        command->add_option("file", m_file, "Bitstream or configuration stream")
+        command
+            ->add_option("file", m_file,
+                         "Bitstream, configuration stream or any file that this program writes")
             ->type_name("FILE")
             ->required();
         CLI::Option* extract =
@@ -30,6 +33,7 @@ public:
         output->needs(extract);
         command->footer("Examples:\n"
                         "  imagewright-cmd inspect top.sof\n"
+                        "  imagewright-cmd inspect board.pof --json\n"
                         "  imagewright-cmd inspect top.rbf --extract core -o core.bin");
         return command;
     }
@@ -55,7 +59,8 @@ private:
     bool read_facts(JSON& facts, std::string& message) const
     {
         INSPECTED_KIND kind = INSPECTED_KIND::OTHER;
-        if (!identify_file(m_file, kind, message)) {
+        const FORMAT_ROW* row = nullptr;
+        if (!identify_programming_file(m_file, kind, row, message)) {
             return false;
         }
         switch (kind) {
@@ -78,8 +83,12 @@ private:
         case INSPECTED_KIND::OTHER:
             break;
         }
-        message = m_file + " is neither a bitstream nor a configuration stream.";
-        return false;
+        if (row == nullptr) {
+            message = m_file + " is neither a bitstream nor a configuration stream, nor has it the extension "
+                               "of another file that this program writes.";
+            return false;
+        }
+        return inspect_programming_file(m_file, *row, facts, message);
     }
 
     EXIT_CODE extract(const COMMAND_CONTEXT& context) const

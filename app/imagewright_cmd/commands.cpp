@@ -6,6 +6,8 @@ std::vector<std::unique_ptr<COMMAND>> make_commands()
     commands.push_back(make_cmd_generate());
     commands.push_back(make_cmd_check());
     commands.push_back(make_cmd_show());
+    commands.push_back(make_cmd_verify());
+    commands.push_back(make_cmd_map());
     commands.push_back(make_cmd_inspect());
     commands.push_back(make_cmd_pack());
     commands.push_back(make_cmd_sample());

@@ -6,6 +6,8 @@
 std::unique_ptr<COMMAND> make_cmd_generate();
 std::unique_ptr<COMMAND> make_cmd_check();
 std::unique_ptr<COMMAND> make_cmd_show();
+std::unique_ptr<COMMAND> make_cmd_map();
+std::unique_ptr<COMMAND> make_cmd_verify();
 std::unique_ptr<COMMAND> make_cmd_pack();
 std::unique_ptr<COMMAND> make_cmd_sample();
 std::unique_ptr<COMMAND> make_cmd_inspect();

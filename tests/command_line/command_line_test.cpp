@@ -1,6 +1,5 @@
-#include "command.h"
+#include "command_run.h"
 #include "pgm_common_xml_vek_cmd_enum.h"
-#include "temporary_directory.h"
 #include "vek_db.h"
 #include "vek_file_assistant.h"
 
@@ -8,7 +7,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 namespace
 {
@@ -18,24 +16,6 @@ using testing::HasSubstr;
 using testing::IsSupersetOf;
 using testing::Not;
 using testing::StartsWith;
-
-struct ANSWER {
-    int exit_code = -1;
-    std::string out;
-    std::string err;
-    JSON json() const { return JSON::parse(out); }
-};
-
-ANSWER run(const std::vector<std::string>& arguments)
-{
-    std::ostringstream out;
-    std::ostringstream err;
-    ANSWER answer;
-    answer.exit_code = run_command_line(arguments, out, err);
-    answer.out = out.str();
-    answer.err = err.str();
-    return answer;
-}
 
 std::vector<std::string> column(const JSON& listing, const std::string& name)
 {
