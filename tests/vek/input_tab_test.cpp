@@ -35,6 +35,18 @@ protected:
     std::unique_ptr<VEK_TAB_INPUT_FILES> m_tab;
 };
 
+/// Counts the paintings of a widget.
+class PAINT_COUNTER : public QObject
+{
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return QObject::eventFilter(watched, event);
+    }
+    int count = 0;
+};
+
 /// The whole window, whose tab adds in the background.
 class INPUT_BACKGROUND : public INPUT_FIXTURE
 {
@@ -429,13 +441,18 @@ TEST_F(INPUT_BACKGROUND, a_hundred_adds_while_the_window_is_resized_and_painted)
     VEK_FRAME_WND_PROBE::cache(*m_frame).max_bitstreams = 100;
     tabs(*m_frame)->setTabEnabled(1, true);
     tabs(*m_frame)->setCurrentIndex(1);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(m_frame.get()));
+    PAINT_COUNTER paints;
+    tree(*m_frame).viewport()->installEventFilter(&paints);
     for (int number = 0; number < 100; ++number) {
+        const int before = paints.count;
         start(number % 4 == 3 ? m_directory / "bad.sof" : good);
         for (int size = 0; !busy_dialogs().isEmpty(); ++size) {
             m_frame->resize(800 + size % 50, 600 + (size + number) % 50);
             tree(*m_frame).viewport()->repaint();
             QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
         }
+        EXPECT_GT(paints.count, before) << "painted while the add runs";
     }
     EXPECT_EQ(tree(*m_frame).model()->rowCount(), 75);
     EXPECT_TRUE(is_enabled());
