@@ -251,6 +251,7 @@ void VEK_KEY_ENTRY_EDIT::populate_key_combo(QString key_file)
     for (KEY_ITEM& item : items) {
         VEK_KEY_TEXT::wipe(item.key);
     }
+    VEK_KEY_TEXT::wipe_stack();
     m_key_combo->setCurrentIndex(0);
     update_button();
     do_key_change(0);

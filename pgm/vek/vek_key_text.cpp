@@ -3,12 +3,15 @@
 #include <QComboBox>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace
 {
 
 constexpr int SHORTEST_ROOM = 32;
+/// Deeper than any call on the way of a key reaches.
+constexpr std::size_t LEFT_STACK = 64 * 1024;
 
 /// Overwrites the characters where they lie, unless more than `owners` share them.
 void overwrite(QString& text, int owners)
@@ -49,6 +52,12 @@ void VEK_KEY_TEXT::wipe(QString& text)
 {
     overwrite(text, 1);
     text = QString();
+}
+
+void VEK_KEY_TEXT::wipe_stack()
+{
+    std::array<char, LEFT_STACK> left;
+    explicit_bzero(left.data(), left.size());
 }
 
 void VEK_KEY_TEXT::show(QLineEdit& edit, const QString& text, QLineEdit::EchoMode echo_mode)

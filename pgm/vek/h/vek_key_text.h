@@ -20,6 +20,10 @@ public:
     /// only let go of.
     static void wipe(QString& text);
 
+    /// Overwrites the part of the stack that calls before this one have left. The run-time linker and the
+    /// functions that copy whole registers leave pieces of a key there.
+    static void wipe_stack();
+
     /// Shows a copy of `text` in the echo mode; what the edit showed before is overwritten, unless somebody
     /// outside it has kept it.
     static void show(QLineEdit& edit, const QString& text, QLineEdit::EchoMode echo_mode);
