@@ -2,10 +2,14 @@
 
 #include "atomic_file.h"
 #include "bitstream_file.h"
+#include "firmware_archive.h"
 #include "frame_compressor.h"
+#include "frame_sealer.h"
 #include "little_endian.h"
+#include "stream_key.h"
 #include "stream_packets.h"
 #include "stream_reader.h"
+#include "stream_signer.h"
 
 #include <botan/hash.h>
 
@@ -63,23 +67,53 @@ public:
         memory(writer.content());
     }
 
+    /// What follows, up to the next, is one image.
+    void begin_image(bool is_signed)
+    {
+        m_start_hash = Botan::HashFunction::create_or_throw("SHA-256");
+        m_signed_hash = is_signed ? Botan::HashFunction::create_or_throw("SHA-384") : nullptr;
+    }
+
+    /// What the encryption of the image's first frames is bound to: all that stands before them.
+    FRAME_SEALER::CHAIN chain_start()
+    {
+        const auto digest = m_start_hash->final_stdvec();
+        m_start_hash.reset();
+        FRAME_SEALER::CHAIN chain;
+        std::copy_n(digest.begin(), chain.size(), chain.begin());
+        return chain;
+    }
+
+    /// Signs the image up to here.
+    bool sign(const STREAM_SIGNER& signer, std::string& message)
+    {
+        SHA384_DIGEST digest;
+        m_signed_hash->final(digest.data());
+        m_signed_hash.reset();
+        std::vector<std::uint8_t> signature;
+        if (!signer.sign(digest, signature, message))
+            return false;
+        packet(OPCODE_SIGNATURE, encode_signature(signer.public_key(), signature));
+        return true;
+    }
+
     void memory(std::span<const std::uint8_t> bytes)
     {
-        m_hash->update(bytes.data(), bytes.size());
+        hash(bytes);
         m_memory.insert(m_memory.end(), bytes.begin(), bytes.end());
     }
 
     /// `bytes` are what `source` holds.
     void reference(std::shared_ptr<const BYTE_SOURCE> source, std::span<const std::uint8_t> bytes)
     {
-        m_hash->update(bytes.data(), bytes.size());
+        hash(bytes);
         flush_memory();
         m_pieces.push_back({std::move(source), 0, 0});
     }
 
     bool spool(std::span<const std::uint8_t> bytes, std::string& message)
     {
-        m_hash->update(bytes.data(), bytes.size());
+        hash(bytes);
         if (!m_spool)
             m_spool = SPOOL_FILE::create(m_spool_directory, message);
         if (!m_spool)
@@ -117,6 +151,15 @@ private:
         std::uint64_t length;
     };
 
+    void hash(std::span<const std::uint8_t> bytes)
+    {
+        m_hash->update(bytes.data(), bytes.size());
+        if (m_start_hash)
+            m_start_hash->update(bytes.data(), bytes.size());
+        if (m_signed_hash)
+            m_signed_hash->update(bytes.data(), bytes.size());
+    }
+
     void flush_memory()
     {
         if (!m_memory.empty())
@@ -129,44 +172,63 @@ private:
     std::vector<std::uint8_t> m_memory;
     std::vector<PIECE> m_pieces;
     std::unique_ptr<Botan::HashFunction> m_hash;
+    std::unique_ptr<Botan::HashFunction> m_start_hash;  ///< up to the image's first frames
+    std::unique_ptr<Botan::HashFunction> m_signed_hash; ///< of an image that is signed
 };
 
-std::vector<std::uint8_t> frames_header(STREAM_METHOD method, STREAM_PART part, std::uint64_t offset,
-                                        std::size_t plain_length, std::size_t stored_length)
+std::vector<std::uint8_t> frames_header(std::uint8_t opcode, STREAM_PART part, const FRAME_BLOCK& block,
+                                        std::size_t stored_length)
 {
     RECORD_WRITER writer;
-    writer.u8(static_cast<std::uint8_t>(OPCODE_FRAMES + static_cast<std::uint8_t>(method)));
+    writer.u8(static_cast<std::uint8_t>(opcode + static_cast<std::uint8_t>(block.method)));
     writer.u24(static_cast<std::uint32_t>(FRAMES_HEADER_SIZE + stored_length));
     writer.u8(static_cast<std::uint8_t>(part));
     writer.u24(0);
-    writer.u32(static_cast<std::uint32_t>(plain_length));
-    writer.u64(offset);
+    writer.u32(static_cast<std::uint32_t>(block.plain.size()));
+    writer.u64(block.offset);
     return writer.take();
 }
 
-bool append_part(const PART_INPUT& input, STREAM_METHOD method, const std::string& name,
+/// Encrypts a block, bound to what its header says but for the length, which the content has itself.
+void seal_block(FRAME_SEALER& sealer, STREAM_PART part, FRAME_BLOCK& block)
+{
+    std::vector<std::uint8_t> header = frames_header(OPCODE_ENCRYPTED_FRAMES, part, block, 0);
+    header.erase(header.begin() + 1, header.begin() + PACKET_HEADER_SIZE);
+    sealer.seal(header, block.stored(), block.sealed);
+}
+
+bool append_block(const PART_INPUT& input, const FRAME_BLOCK& block, bool sealed, STREAM_ASSEMBLY& stream,
+                  std::string& message)
+{
+    const std::span<const std::uint8_t> stored =
+        sealed ? std::span<const std::uint8_t>(block.sealed) : block.stored();
+    const auto header =
+        frames_header(sealed ? OPCODE_ENCRYPTED_FRAMES : OPCODE_FRAMES, input.part, block, stored.size());
+    RECORD_WRITER crc;
+    crc.u32(crc32(stored, crc32(header)));
+    if (sealed || block.method != STREAM_METHOD::PLAIN)
+        return stream.spool(header, message) && stream.spool(stored, message) &&
+               stream.spool(crc.content(), message);
+    stream.memory(header);
+    stream.reference(std::make_shared<RANGE_SOURCE>(input.bytes, block.offset, block.plain.size()), stored);
+    stream.memory(crc.content());
+    return true;
+}
+
+/// `sealer` is null for an image that is not encrypted.
+bool append_part(const PART_INPUT& input, STREAM_METHOD method, const std::string& name, FRAME_SEALER* sealer,
                  STREAM_ASSEMBLY& stream, std::string& message)
 {
-    FRAME_COMPRESSOR compressor(*input.bytes, method);
+    FRAME_COMPRESSOR::LAST_STEP seal;
+    if (sealer != nullptr)
+        seal = [&](FRAME_BLOCK& block) { seal_block(*sealer, input.part, block); };
+    FRAME_COMPRESSOR compressor(*input.bytes, method, seal);
     FRAME_BLOCK block;
     std::uint32_t section_crc = 0;
     while (compressor.next(block, message)) {
         section_crc = crc32(block.plain, section_crc);
-        const bool compressed = block.method != STREAM_METHOD::PLAIN;
-        const std::vector<std::uint8_t>& stored = compressed ? block.compressed : block.plain;
-        const auto header =
-            frames_header(block.method, input.part, block.offset, block.plain.size(), stored.size());
-        RECORD_WRITER crc;
-        crc.u32(crc32(stored, crc32(header)));
-        if (!compressed) {
-            stream.memory(header);
-            stream.reference(std::make_shared<RANGE_SOURCE>(input.bytes, block.offset, block.plain.size()),
-                             stored);
-            stream.memory(crc.content());
-        } else if (!stream.spool(header, message) || !stream.spool(stored, message) ||
-                   !stream.spool(crc.content(), message)) {
+        if (!append_block(input, block, sealer != nullptr, stream, message))
             return false;
-        }
     }
     if (!compressor.at_end())
         return false;
@@ -178,8 +240,9 @@ bool append_part(const PART_INPUT& input, STREAM_METHOD method, const std::strin
     return true;
 }
 
+/// `archive` is filled when the firmware comes from one.
 bool collect_parts(const STREAM_INPUT& input, const BITSTREAM_FILE& file, STREAM_SELECTION selection,
-                   std::vector<PART_INPUT>& parts, std::string& message)
+                   std::vector<PART_INPUT>& parts, FIRMWARE_ARCHIVE& archive, std::string& message)
 {
     for (const SECTION_OF_PART& row : SECTIONS_OF_PARTS) {
         if (!is_selected(row.part, selection))
@@ -189,6 +252,10 @@ bool collect_parts(const STREAM_INPUT& input, const BITSTREAM_FILE& file, STREAM
             if (!bytes)
                 return false;
             parts.push_back({row.part, bytes, nullptr});
+        } else if (row.part == STREAM_PART::FIRMWARE && !input.firmware_path.empty()) {
+            if (!open_firmware_archive(input.firmware_path, true, archive, message))
+                return false;
+            parts.push_back({row.part, archive.firmware, nullptr});
         } else if (file.find(row.tag) != nullptr) {
             parts.push_back({row.part, file.section(row.tag), file.find(row.tag)});
         }
@@ -206,13 +273,15 @@ bool collect_parts(const STREAM_INPUT& input, const BITSTREAM_FILE& file, STREAM
 }
 
 void append_records(const STREAM_INPUT& input, const BITSTREAM_FILE& file,
-                    const std::vector<PART_INPUT>& parts, STREAM_ASSEMBLY& stream)
+                    const std::vector<PART_INPUT>& parts, const FIRMWARE_ARCHIVE& archive,
+                    STREAM_ASSEMBLY& stream)
 {
     std::array<std::uint64_t, STREAM_PART_COUNT> lengths{};
     for (const PART_INPUT& part : parts)
         lengths[static_cast<std::size_t>(part.part)] = part.bytes->size();
     RECORD_WRITER device;
-    device.u8(file.kind() == BITSTREAM_KIND::PMSF ? DEVICE_FLAG_PARTIAL : 0);
+    device.u8(static_cast<std::uint8_t>((file.kind() == BITSTREAM_KIND::PMSF ? DEVICE_FLAG_PARTIAL : 0) |
+                                        (input.signer ? DEVICE_FLAG_SIGNED : 0)));
     for (const std::uint64_t length : lengths)
         device.u64(length);
     device.bytes(encode_device(file.device()));
@@ -228,6 +297,14 @@ void append_records(const STREAM_INPUT& input, const BITSTREAM_FILE& file,
             encode_option_block(input.option_block ? *input.option_block : file.option_block(), false));
     if (!file.regions().empty())
         stream.packet(OPCODE_REGIONS, encode_regions(file.regions()));
+    if (input.encryption)
+        stream.packet(OPCODE_KEY_INFO, encode_key_info(input.encryption->info));
+    if (archive.firmware) {
+        RECORD_WRITER writer;
+        writer.bytes(archive.header);
+        writer.bytes(encode_signature(archive.key, archive.signature));
+        stream.packet(OPCODE_FIRMWARE_INFO, writer.content());
+    }
 }
 
 bool append_image(const STREAM_INPUT& input, STREAM_SELECTION selection, STREAM_ASSEMBLY& stream,
@@ -240,15 +317,22 @@ bool append_image(const STREAM_INPUT& input, STREAM_SELECTION selection, STREAM_
     }
     const auto file = BITSTREAM_FILE::open(input.path, message);
     std::vector<PART_INPUT> parts;
-    if (!file || !collect_parts(input, *file, selection, parts, message))
+    FIRMWARE_ARCHIVE archive;
+    if (!file || !collect_parts(input, *file, selection, parts, archive, message))
         return false;
-    append_records(input, *file, parts, stream);
+    stream.begin_image(input.signer != nullptr);
+    append_records(input, *file, parts, archive, stream);
+    std::optional<FRAME_SEALER> sealer;
+    const FRAME_SEALER::CHAIN start = stream.chain_start();
+    if (input.encryption)
+        sealer.emplace(*input.encryption->key, start);
     const STREAM_METHOD method = input.enhanced_compression ? STREAM_METHOD::ZSTD
                                  : input.compression        ? STREAM_METHOD::LZ4
                                                             : STREAM_METHOD::PLAIN;
-    return std::all_of(parts.begin(), parts.end(), [&](const PART_INPUT& part) {
-        return append_part(part, method, input.path, stream, message);
+    const bool appended = std::all_of(parts.begin(), parts.end(), [&](const PART_INPUT& part) {
+        return append_part(part, method, input.path, sealer ? &*sealer : nullptr, stream, message);
     });
+    return appended && (!input.signer || stream.sign(*input.signer, message));
 }
 
 } // namespace

@@ -56,8 +56,9 @@ private:
     std::unique_ptr<ZSTD_CCtx, FREE_ZSTD> m_zstd;
 };
 
-FRAME_COMPRESSOR::FRAME_COMPRESSOR(const BYTE_SOURCE& source, STREAM_METHOD method)
-    : m_source(source), m_method(method), m_coder(std::make_unique<CODER>(method))
+FRAME_COMPRESSOR::FRAME_COMPRESSOR(const BYTE_SOURCE& source, STREAM_METHOD method, LAST_STEP last_step)
+    : m_source(source), m_method(method), m_last_step(std::move(last_step)),
+      m_coder(std::make_unique<CODER>(method))
 {
 }
 
@@ -80,6 +81,8 @@ FRAME_COMPRESSOR::RESULT FRAME_COMPRESSOR::make_block(FRAME_BLOCK block) const
             block.method = m_method;
         block.compressed.resize(size);
     }
+    if (result.good && m_last_step)
+        m_last_step(block);
     result.block = std::move(block);
     return result;
 }
@@ -89,7 +92,8 @@ void FRAME_COMPRESSOR::start(FRAME_BLOCK buffers)
     buffers.offset = m_position;
     m_position += std::min<std::uint64_t>(FRAMES_LIMIT, m_source.size() - m_position);
     // Reading alone is not worth another thread.
-    const auto policy = m_method == STREAM_METHOD::PLAIN ? std::launch::deferred : std::launch::async;
+    const bool is_work = m_method != STREAM_METHOD::PLAIN || m_last_step;
+    const auto policy = is_work ? std::launch::async : std::launch::deferred;
     m_ahead = std::async(
         policy, [this, taken = std::move(buffers)]() mutable { return make_block(std::move(taken)); });
 }

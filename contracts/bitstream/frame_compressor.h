@@ -2,8 +2,10 @@
 #define FRAME_COMPRESSOR_H
 
 #include "byte_source.h"
+#include "secret_bytes.h"
 #include "stream_reader.h"
 
+#include <functional>
 #include <future>
 #include <memory>
 #include <vector>
@@ -14,6 +16,13 @@ struct FRAME_BLOCK {
     std::vector<std::uint8_t> plain;
     STREAM_METHOD method = STREAM_METHOD::PLAIN;
     std::vector<std::uint8_t> compressed; ///< unless the method is PLAIN
+    SECRET_BYTES sealed;                  ///< what the last step has made of it; empty without one
+
+    /// Plain or compressed, by the method.
+    const std::vector<std::uint8_t>& stored() const
+    {
+        return method == STREAM_METHOD::PLAIN ? plain : compressed;
+    }
 };
 
 /// Cuts a source into blocks of at most FRAMES_LIMIT bytes and compresses each by itself. A block that does
@@ -22,7 +31,10 @@ struct FRAME_BLOCK {
 class FRAME_COMPRESSOR
 {
 public:
-    FRAME_COMPRESSOR(const BYTE_SOURCE& source, STREAM_METHOD method);
+    /// What is done with each block, in order, on the other thread.
+    using LAST_STEP = std::function<void(FRAME_BLOCK& block)>;
+
+    FRAME_COMPRESSOR(const BYTE_SOURCE& source, STREAM_METHOD method, LAST_STEP last_step = {});
     ~FRAME_COMPRESSOR();
     FRAME_COMPRESSOR(const FRAME_COMPRESSOR&) = delete;
     FRAME_COMPRESSOR& operator=(const FRAME_COMPRESSOR&) = delete;
@@ -45,6 +57,7 @@ private:
 
     const BYTE_SOURCE& m_source;
     STREAM_METHOD m_method;
+    LAST_STEP m_last_step;
     std::unique_ptr<CODER> m_coder;
     std::uint64_t m_position = 0;
     FRAME_BLOCK m_spare;

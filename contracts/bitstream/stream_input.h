@@ -3,8 +3,12 @@
 
 #include "dset_oti_dev_options_info.h"
 
+#include <memory>
 #include <optional>
 #include <string>
+
+struct STREAM_ENCRYPTION;
+class STREAM_SIGNER;
 
 /// One file of a bitstream with what the setup asks to be done to it (the attributes of a PATH element).
 struct STREAM_INPUT {
@@ -14,6 +18,9 @@ struct STREAM_INPUT {
     std::string hps_path{};            ///< bootloader file, empty for none
     /// On-chip options in place of those of the file.
     std::optional<DSET_OTI_DEV_OPTIONS_INFO> option_block{};
+    std::string firmware_path{}; ///< archive of co-signed firmware in place of the file's own; empty for none
+    std::shared_ptr<const STREAM_ENCRYPTION> encryption{}; ///< null for none
+    std::shared_ptr<const STREAM_SIGNER> signer{};         ///< null for no signature
 };
 
 #endif

@@ -18,7 +18,11 @@ inline constexpr std::uint8_t OPCODE_SCHEME = 0x03;
 inline constexpr std::uint8_t OPCODE_OPTIONS = 0x04;
 inline constexpr std::uint8_t OPCODE_OPTION_BLOCK = 0x05;
 inline constexpr std::uint8_t OPCODE_REGIONS = 0x06;
+inline constexpr std::uint8_t OPCODE_KEY_INFO = 0x07;
+inline constexpr std::uint8_t OPCODE_FIRMWARE_INFO = 0x08;
 inline constexpr std::uint8_t OPCODE_FRAMES = 0x10;
+inline constexpr std::uint8_t OPCODE_ENCRYPTED_FRAMES = 0x18;
+inline constexpr std::uint8_t OPCODE_SIGNATURE = 0x20;
 inline constexpr std::uint8_t OPCODE_END = 0x7F;
 
 inline constexpr std::size_t PACKET_HEADER_SIZE = 4; ///< opcode, 24-bit length
@@ -26,6 +30,9 @@ inline constexpr std::size_t PACKET_CRC_SIZE = 4;
 inline constexpr std::size_t FRAMES_HEADER_SIZE = 16; ///< part, three zeros, plain length, offset
 /// Plain bytes in one frames packet. One packet is the unit that a reader holds in memory.
 inline constexpr std::size_t FRAMES_LIMIT = 1024 * 1024;
+/// What encryption adds to a frames packet: nonce and tag.
+inline constexpr std::size_t SEAL_SIZE = 12 + 16;
 inline constexpr std::uint8_t DEVICE_FLAG_PARTIAL = 0x01;
+inline constexpr std::uint8_t DEVICE_FLAG_SIGNED = 0x02;
 
 #endif

@@ -1,5 +1,6 @@
 #include "stream_reader.h"
 
+#include "firmware_archive.h"
 #include "little_endian.h"
 #include "stream_packets.h"
 
@@ -40,6 +41,8 @@ public:
             m_offset = m_end;
             if (!read_packet(reason) || !take_packet(ended, reason))
                 return false;
+            if (m_signed_hash)
+                m_signed_hash->update(m_packet.data(), m_packet.size());
             ++m_facts.packets;
         }
         m_facts.size = m_end;
@@ -67,6 +70,10 @@ private:
     bool take_device(std::string& reason);
     bool take_record(std::string& reason);
     bool take_frames(std::string& reason);
+    bool take_plain_frames(STREAM_METHOD method, std::size_t part, std::span<const std::uint8_t> stored,
+                           std::size_t length, std::string& reason);
+    bool take_firmware_info(std::string& reason);
+    bool take_signature(std::string& reason);
     bool take_end(std::string& reason);
     bool finish_image(std::string& reason);
     bool decode(STREAM_METHOD method, std::span<const std::uint8_t> stored, std::size_t length,
@@ -94,6 +101,10 @@ private:
     std::size_t m_part = 0;         ///< of the last frames, so are the parts
     std::uint64_t m_part_position = 0;
     std::array<std::uint64_t, STREAM_PART_COUNT> m_received{};
+    bool m_signature_due = false;
+    std::unique_ptr<Botan::HashFunction> m_signed_hash;   ///< of an image that is signed
+    std::unique_ptr<Botan::HashFunction> m_firmware_hash; ///< of co-signed firmware that can be read
+    std::vector<std::uint8_t> m_maker_signature;
 };
 
 bool STREAM_WALK::read_packet(std::string& reason)
@@ -109,7 +120,7 @@ bool STREAM_WALK::read_packet(std::string& reason)
     RECORD_READER reader(header);
     m_opcode = reader.u8();
     m_length = reader.u24();
-    if (m_length > FRAMES_HEADER_SIZE + FRAMES_LIMIT) {
+    if (m_length > FRAMES_HEADER_SIZE + SEAL_SIZE + FRAMES_LIMIT) {
         reason = "the packet claims a length of " + std::to_string(m_length) + " bytes";
         return false;
     }
@@ -144,11 +155,18 @@ bool STREAM_WALK::take_packet(bool& ended, std::string& reason)
     case OPCODE_OPTIONS:
     case OPCODE_OPTION_BLOCK:
     case OPCODE_REGIONS:
+    case OPCODE_KEY_INFO:
+    case OPCODE_FIRMWARE_INFO:
         return take_record(reason);
     case OPCODE_FRAMES + static_cast<std::uint8_t>(STREAM_METHOD::PLAIN):
     case OPCODE_FRAMES + static_cast<std::uint8_t>(STREAM_METHOD::LZ4):
     case OPCODE_FRAMES + static_cast<std::uint8_t>(STREAM_METHOD::ZSTD):
+    case OPCODE_ENCRYPTED_FRAMES + static_cast<std::uint8_t>(STREAM_METHOD::PLAIN):
+    case OPCODE_ENCRYPTED_FRAMES + static_cast<std::uint8_t>(STREAM_METHOD::LZ4):
+    case OPCODE_ENCRYPTED_FRAMES + static_cast<std::uint8_t>(STREAM_METHOD::ZSTD):
         return take_frames(reason);
+    case OPCODE_SIGNATURE:
+        return take_signature(reason);
     case OPCODE_END:
         ended = true;
         return take_end(reason);
@@ -189,7 +207,7 @@ bool STREAM_WALK::take_device(std::string& reason)
     for (std::uint64_t& length : image.part_length)
         length = reader.u64();
     const std::size_t record = reader.left();
-    if (!reader.good() || (flags & ~DEVICE_FLAG_PARTIAL) != 0) {
+    if (!reader.good() || (flags & ~(DEVICE_FLAG_PARTIAL | DEVICE_FLAG_SIGNED)) != 0) {
         reason = "the device packet is malformed";
         return false;
     }
@@ -202,6 +220,9 @@ bool STREAM_WALK::take_device(std::string& reason)
     m_part = 0;
     m_part_position = 0;
     m_received = {};
+    m_signature_due = (flags & DEVICE_FLAG_SIGNED) != 0;
+    m_signed_hash = m_signature_due ? Botan::HashFunction::create_or_throw("SHA-384") : nullptr;
+    m_firmware_hash.reset();
     return true;
 }
 
@@ -219,10 +240,61 @@ bool STREAM_WALK::take_record(std::string& reason)
         return decode_option_block(payload(), image.option_block, image.option_word, reason);
     if (m_opcode == OPCODE_REGIONS)
         return decode_regions(payload(), image.regions, reason);
+    if (m_opcode == OPCODE_KEY_INFO)
+        return decode_key_info(payload(), image.key.emplace(), reason);
+    if (m_opcode == OPCODE_FIRMWARE_INFO)
+        return take_firmware_info(reason);
     std::uint32_t scheme = 0;
     if (!decode_scheme(payload(), scheme, reason))
         return false;
     image.scheme = scheme;
+    return true;
+}
+
+bool STREAM_WALK::take_firmware_info(std::string& reason)
+{
+    const auto record = payload();
+    if (record.size() < FIRMWARE_HEADER_SIZE) {
+        reason = "the firmware packet is malformed";
+        return false;
+    }
+    STREAM_IMAGE_FACTS& image = m_facts.images.back();
+    STREAM_FIRMWARE_FACTS& firmware = image.firmware.emplace();
+    RECORD_READER reader(record.subspan(12));
+    firmware.family = reader.u32();
+    const std::uint64_t length = reader.u64();
+    firmware.release = reader.u32();
+    if (length != image.part_length[static_cast<std::size_t>(STREAM_PART::FIRMWARE)]) {
+        reason = "the firmware packet is for firmware of another length";
+        return false;
+    }
+    if (!image.key) {
+        m_firmware_hash = Botan::HashFunction::create_or_throw("SHA-384");
+        m_firmware_hash->update(record.data(), FIRMWARE_HEADER_SIZE);
+    }
+    return decode_signature(record.subspan(FIRMWARE_HEADER_SIZE), firmware.key, m_maker_signature, reason);
+}
+
+bool STREAM_WALK::take_signature(std::string& reason)
+{
+    if (!m_signature_due || m_last_record != OPCODE_FRAMES) {
+        reason = "the signature is out of place";
+        return false;
+    }
+    SHA384_DIGEST digest;
+    m_signed_hash->final(digest.data());
+    m_signed_hash.reset();
+    m_signature_due = false;
+    m_last_record = OPCODE_SIGNATURE;
+    ECDSA_PUBLIC_KEY key;
+    std::vector<std::uint8_t> signature;
+    if (!decode_signature(payload(), key, signature, reason))
+        return false;
+    if (!ecdsa_verify(key, digest, signature)) {
+        reason = "the signature does not fit the image";
+        return false;
+    }
+    m_facts.images.back().signer = key;
     return true;
 }
 
@@ -264,6 +336,13 @@ bool STREAM_WALK::take_frames(std::string& reason)
         reason = "frames come before the device packet";
         return false;
     }
+    const bool encrypted = m_opcode >= OPCODE_ENCRYPTED_FRAMES;
+    if (m_last_record == OPCODE_SIGNATURE || encrypted != m_facts.images.back().key.has_value()) {
+        reason = m_last_record == OPCODE_SIGNATURE ? "frames come behind the signature"
+                 : encrypted                       ? "encrypted frames come without a key info packet"
+                                                   : "frames in the clear come in an encrypted image";
+        return false;
+    }
     if (!reader.good() || zeros != 0 || part >= STREAM_PART_COUNT || length == 0 || length > FRAMES_LIMIT) {
         reason = "the frames packet is malformed";
         return false;
@@ -282,9 +361,20 @@ bool STREAM_WALK::take_frames(std::string& reason)
                  " bytes announced for the " + name;
         return false;
     }
-    const auto method = static_cast<STREAM_METHOD>(m_opcode - OPCODE_FRAMES);
+    const auto method =
+        static_cast<STREAM_METHOD>(m_opcode - (encrypted ? OPCODE_ENCRYPTED_FRAMES : OPCODE_FRAMES));
     const std::size_t stored = reader.left();
-    if (!decode(method, reader.bytes(stored), length, reason))
+    if (encrypted && (stored <= SEAL_SIZE || stored > SEAL_SIZE + length ||
+                      (method == STREAM_METHOD::PLAIN && stored != SEAL_SIZE + length))) {
+        reason = "the encrypted frames have a wrong length";
+        return false;
+    }
+    if (encrypted && m_data != nullptr) {
+        m_failed_outside = true;
+        reason = "The configuration data is encrypted and cannot be taken out.";
+        return false;
+    }
+    if (!encrypted && !take_plain_frames(method, part, reader.bytes(stored), length, reason))
         return false;
     m_last_record = OPCODE_FRAMES;
     m_part = part;
@@ -292,6 +382,17 @@ bool STREAM_WALK::take_frames(std::string& reason)
     m_received[part] += length;
     image.stored_length[part] += stored;
     ++image.packets_by_method[static_cast<std::size_t>(method)];
+    return true;
+}
+
+bool STREAM_WALK::take_plain_frames(STREAM_METHOD method, std::size_t part,
+                                    std::span<const std::uint8_t> stored, std::size_t length,
+                                    std::string& reason)
+{
+    if (!decode(method, stored, length, reason))
+        return false;
+    if (m_firmware_hash && static_cast<STREAM_PART>(part) == STREAM_PART::FIRMWARE)
+        m_firmware_hash->update(m_plain.data(), m_plain.size());
     m_failed_outside = m_data != nullptr && !m_data->write(m_facts.images.size() - 1,
                                                            static_cast<STREAM_PART>(part), m_plain, reason);
     return !m_failed_outside;
@@ -307,6 +408,18 @@ bool STREAM_WALK::finish_image(std::string& reason)
                  std::to_string(m_received[part]) + " of the " + std::to_string(image.part_length[part]) +
                  " bytes announced for the " + stream_part_name(static_cast<STREAM_PART>(part));
         return false;
+    }
+    if (m_signature_due) {
+        reason = "image " + std::to_string(m_facts.images.size()) + " has no signature, which it announces";
+        return false;
+    }
+    if (m_firmware_hash) {
+        SHA384_DIGEST digest;
+        m_firmware_hash->final(digest.data());
+        if (!ecdsa_verify(image.firmware->key, digest, m_maker_signature)) {
+            reason = "the signature of the maker does not fit the firmware";
+            return false;
+        }
     }
     return true;
 }

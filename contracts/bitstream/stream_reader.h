@@ -3,6 +3,8 @@
 
 #include "bitstream_records.h"
 #include "byte_source.h"
+#include "ecdsa.h"
+#include "key_info.h"
 
 #include <array>
 #include <cstdint>
@@ -23,6 +25,13 @@ std::string stream_part_name(STREAM_PART part);
 /// "plain", "LZ4", "Zstandard".
 std::string stream_method_name(STREAM_METHOD method);
 
+/// Co-signed firmware: what the signature of its maker says.
+struct STREAM_FIRMWARE_FACTS {
+    std::uint32_t family = 0;
+    std::uint32_t release = 0;
+    ECDSA_PUBLIC_KEY key;
+};
+
 /// What one image of a stream holds.
 struct STREAM_IMAGE_FACTS {
     BITSTREAM_DEVICE device;
@@ -35,7 +44,10 @@ struct STREAM_IMAGE_FACTS {
     std::array<std::uint64_t, STREAM_PART_COUNT> part_length{};   ///< plain bytes
     std::array<std::uint64_t, STREAM_PART_COUNT> stored_length{}; ///< bytes in the stream
     std::array<std::uint64_t, STREAM_METHOD_COUNT> packets_by_method{};
-    std::uint64_t offset = 0; ///< of the image's first packet, bytes
+    std::uint64_t offset = 0;               ///< of the image's first packet, bytes
+    std::optional<KEY_INFO> key;            ///< of an encrypted image
+    std::optional<ECDSA_PUBLIC_KEY> signer; ///< of a signed image, whose signature fits
+    std::optional<STREAM_FIRMWARE_FACTS> firmware;
 };
 
 /// What a whole stream holds.
@@ -60,9 +72,10 @@ public:
 bool is_configuration_stream(const BYTE_SOURCE& bytes);
 
 /// Walks a stream from its sync word to its end packet: structure, the checksum of every packet, the frames
-/// decoded and contiguous, the lengths announced, the digest. With `whole`, nothing may follow the end
-/// packet. Memory is a few MiB whatever the size. False with the reason in `message`, which names the
-/// offset of the first fault; `facts` then hold what was read before it. `data` may be null.
+/// decoded and contiguous, the lengths announced, signatures, the digest. Frames that are encrypted are not
+/// decoded, and there is no data of them for the sink, which is refused then. With `whole`, nothing may
+/// follow the end packet. Memory is a few MiB whatever the size. False with the reason in `message`, which
+/// names the offset of the first fault; `facts` then hold what was read before it. `data` may be null.
 bool read_configuration_stream(const BYTE_SOURCE& bytes, bool whole, STREAM_FACTS& facts,
                                STREAM_DATA_SINK* data, std::string& message);
 

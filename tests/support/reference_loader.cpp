@@ -1,9 +1,11 @@
 #include "reference_loader.h"
 
-#include <botan/hash.h>
+#include "reference_crypto.h"
+
 #include <lz4.h>
 #include <zstd.h>
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
 
@@ -68,7 +70,7 @@ private:
 class DEVICE_CHAIN
 {
 public:
-    explicit DEVICE_CHAIN(LOADED_STREAM& stream) : m_stream(stream) {}
+    DEVICE_CHAIN(LOADED_STREAM& stream, BYTES device_key) : m_stream(stream), m_device_key(device_key) {}
 
     void load(BYTES bytes)
     {
@@ -83,6 +85,8 @@ public:
             const std::size_t end = bytes.size() - cursor.left();
             require(cursor.number(4) == reference_crc32(bytes.subspan(start, end - start)),
                     "wrong packet checksum at " + std::to_string(start));
+            m_all = bytes;
+            m_packet_start = start;
             done = opcode == 0x7F;
             if (done)
                 finish(payload, bytes.subspan(0, start));
@@ -113,9 +117,14 @@ private:
 
     void begin_image(CURSOR& cursor)
     {
-        check_lengths();
+        check_image();
         LOADED_IMAGE image;
-        image.partial = cursor.number(1) == 1;
+        const std::uint64_t flags = cursor.number(1);
+        require(flags < 4, "unknown flags");
+        image.partial = (flags & 1U) != 0;
+        m_signature_due = (flags & 2U) != 0;
+        m_chain.clear();
+        image.signed_begin = m_packet_start;
         for (std::uint64_t& length : m_lengths)
             length = cursor.number(8);
         image.idcode = static_cast<std::uint32_t>(cursor.number(4));
@@ -150,10 +159,27 @@ private:
                 image.regions.push_back(region);
             }
             break;
+        case 0x07: {
+            const BYTES record = cursor.rest();
+            require(record.size() == 24 && record[0] == 1, "unknown encryption");
+            image.key_info.assign(record.begin(), record.end());
+            break;
+        }
+        case 0x08: {
+            const BYTES record = cursor.rest();
+            image.firmware_record.assign(record.begin(), record.end());
+            break;
+        }
         case 0x10:
         case 0x11:
         case 0x12:
+        case 0x18:
+        case 0x19:
+        case 0x1A:
             frames(opcode, cursor);
+            break;
+        case 0x20:
+            signature(cursor);
             break;
         default:
             throw std::runtime_error("unknown opcode " + std::to_string(opcode));
@@ -171,7 +197,16 @@ private:
         std::vector<std::uint8_t>& target = *parts[part];
         require(cursor.number(8) == target.size(), "frames out of order");
         require(length > 0 && length <= 1048576, "frames of a wrong length");
-        const BYTES stored = cursor.rest();
+        BYTES stored = cursor.rest();
+        std::vector<std::uint8_t> decrypted;
+        require((opcode >= 0x18) != image.key_info.empty(),
+                "frames in the clear and encrypted ones are mixed");
+        if (opcode >= 0x18) {
+            decrypted = decrypt(image, stored);
+            stored = decrypted;
+            opcode -= 8;
+            ++image.encrypted_packets;
+        }
         std::vector<std::uint8_t> plain(length);
         std::size_t got = 0;
         if (opcode == 0x10) {
@@ -192,6 +227,75 @@ private:
         target.insert(target.end(), plain.begin(), plain.end());
     }
 
+    std::vector<std::uint8_t> decrypt(const LOADED_IMAGE& image, BYTES sealed)
+    {
+        const std::size_t key_size = image.key_info[1];
+        require(m_device_key.size() == key_size, "the device has no key of that length");
+        const std::string salt = "imagewright configuration stream 1";
+        const auto id = reference_hkdf_sha256(m_device_key, salt, "key id", 8);
+        require(std::equal(id.begin(), id.end(), image.key_info.begin() + 16), "the device has another key");
+        const auto key = reference_hkdf_sha256(m_device_key, salt, "cipher", key_size);
+        if (m_chain.empty()) {
+            const auto digest = reference_digest(
+                "SHA256", m_all.subspan(image.signed_begin, m_packet_start - image.signed_begin));
+            m_chain.assign(digest.begin(), digest.begin() + 16);
+        }
+        std::vector<std::uint8_t> associated = m_chain;
+        associated.push_back(m_all[m_packet_start]);
+        const BYTES header = m_all.subspan(m_packet_start + 4, 16);
+        associated.insert(associated.end(), header.begin(), header.end());
+        std::vector<std::uint8_t> plain;
+        require(reference_gcm_open(key, associated, sealed, plain), "frames that do not authenticate");
+        m_chain.assign(sealed.end() - 16, sealed.end());
+        return plain;
+    }
+
+    void signature(CURSOR& cursor)
+    {
+        LOADED_IMAGE& image = m_stream.images.back();
+        require(m_signature_due, "a signature that is not announced");
+        m_signature_due = false;
+        const BYTES record = cursor.rest();
+        image.signed_end = m_packet_start;
+        image.signature_curve = take_signature(record, image.public_key, image.signature);
+        require(
+            reference_ecdsa_verify(image.signature_curve, image.public_key, image.signature,
+                                   m_all.subspan(image.signed_begin, image.signed_end - image.signed_begin)),
+            "the signature does not fit");
+    }
+
+    static std::string take_signature(BYTES record, std::vector<std::uint8_t>& key,
+                                      std::vector<std::uint8_t>& numbers)
+    {
+        CURSOR cursor(record);
+        const std::uint64_t curve = cursor.number(1);
+        require(cursor.number(3) == 0 && (curve == 1 || curve == 2), "a malformed signature");
+        const std::size_t size = curve == 1 ? 64 : 96;
+        const BYTES point = cursor.take(size);
+        key.assign(point.begin(), point.end());
+        const BYTES pair = cursor.take(size);
+        numbers.assign(pair.begin(), pair.end());
+        require(cursor.empty(), "a malformed signature");
+        return curve == 1 ? "P-256" : "P-384";
+    }
+
+    /// What must hold when all packets of an image are there.
+    void check_image() const
+    {
+        check_lengths();
+        require(!m_signature_due, "an image has no signature");
+        if (m_stream.images.empty() || m_stream.images.back().firmware_record.empty())
+            return;
+        const LOADED_IMAGE& image = m_stream.images.back();
+        std::vector<std::uint8_t> key;
+        std::vector<std::uint8_t> numbers;
+        const BYTES record = image.firmware_record;
+        const std::string curve = take_signature(record.subspan(32), key, numbers);
+        std::vector<std::uint8_t> text(record.begin(), record.begin() + 32);
+        text.insert(text.end(), image.firmware.begin(), image.firmware.end());
+        require(reference_ecdsa_verify(curve, key, numbers, text), "firmware that its maker did not sign");
+    }
+
     void check_lengths() const
     {
         if (m_stream.images.empty())
@@ -204,15 +308,18 @@ private:
 
     void finish(BYTES digest, BYTES before)
     {
-        check_lengths();
+        check_image();
         require(m_stream.images.size() == m_announced && m_announced > 0, "wrong number of images");
-        const auto hash = Botan::HashFunction::create_or_throw("SHA-256");
-        hash->update(before.data(), before.size());
-        require(hash->final_stdvec() == std::vector<std::uint8_t>(digest.begin(), digest.end()),
+        require(reference_digest("SHA256", before) == std::vector<std::uint8_t>(digest.begin(), digest.end()),
                 "wrong digest");
     }
 
     LOADED_STREAM& m_stream;
+    BYTES m_device_key;
+    BYTES m_all;
+    std::size_t m_packet_start = 0;
+    bool m_signature_due = false;
+    std::vector<std::uint8_t> m_chain; ///< what the next encrypted packet is bound to
     std::size_t m_announced = 0;
     std::array<std::uint64_t, 4> m_lengths{};
 };
@@ -235,11 +342,12 @@ std::uint32_t reference_crc32(std::span<const std::uint8_t> bytes)
     return ~crc;
 }
 
-bool load_configuration_stream(std::span<const std::uint8_t> bytes, LOADED_STREAM& stream, std::string& error)
+bool load_configuration_stream(std::span<const std::uint8_t> bytes, LOADED_STREAM& stream, std::string& error,
+                               std::span<const std::uint8_t> device_key)
 {
     stream = {};
     try {
-        DEVICE_CHAIN(stream).load(bytes);
+        DEVICE_CHAIN(stream, device_key).load(bytes);
     } catch (const std::runtime_error& problem) {
         error = problem.what();
         return false;

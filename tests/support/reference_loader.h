@@ -30,6 +30,14 @@ struct LOADED_IMAGE {
     std::size_t plain_packets = 0;
     std::size_t lz4_packets = 0;
     std::size_t zstd_packets = 0;
+    std::size_t encrypted_packets = 0;
+    std::vector<std::uint8_t> key_info;        ///< the record as it stands; empty for an image in the clear
+    std::vector<std::uint8_t> firmware_record; ///< of co-signed firmware, whose signature has been verified
+    std::string signature_curve;               ///< empty for an unsigned image
+    std::vector<std::uint8_t> public_key;      ///< X, Y
+    std::vector<std::uint8_t> signature;       ///< r, s, verified
+    std::size_t signed_begin = 0;              ///< the bytes of the stream that are signed
+    std::size_t signed_end = 0;
 
     /// Periphery followed by core.
     std::vector<std::uint8_t> configuration() const;
@@ -42,9 +50,10 @@ struct LOADED_STREAM {
 };
 
 /// Decodes the stream at the beginning of `bytes` by docs/formats/configuration-stream.md alone, with no code
-/// of the writer. Bytes behind the end packet are not looked at. False with what is wrong in `error`.
-bool load_configuration_stream(std::span<const std::uint8_t> bytes, LOADED_STREAM& stream,
-                               std::string& error);
+/// of the writer and another crypto library. Bytes behind the end packet are not looked at. `device_key`: the
+/// key of the device, which encrypted images need. False with what is wrong in `error`.
+bool load_configuration_stream(std::span<const std::uint8_t> bytes, LOADED_STREAM& stream, std::string& error,
+                               std::span<const std::uint8_t> device_key = {});
 
 /// The CRC-32 of the formats, from a table of its own.
 std::uint32_t reference_crc32(std::span<const std::uint8_t> bytes);
