@@ -3,6 +3,7 @@
 #include "format_text.h"
 #include "hex_digits.h"
 #include "image_compare.h"
+#include "intel_hex_compare.h"
 #include "intel_hex_reader.h"
 #include "intel_hex_record.h"
 
@@ -14,7 +15,9 @@ namespace
 {
 constexpr std::uint64_t ADDRESS_SPACE = std::uint64_t(1) << 32;
 constexpr std::size_t WINDOW = 0x10000; // what an extended linear address record selects
-constexpr std::size_t LINE_LENGTH = 1 + 2 * (4 + HEX_FORMAT::RECORD_LENGTH + 1) + 1;
+constexpr std::size_t LINE_LENGTH = hex_line_length(HEX_FORMAT::RECORD_LENGTH);
+static_assert(HEX_FORMAT::RECORD_LENGTH == HEX_LINE_BYTES);
+constexpr std::size_t MOST_WINDOW_TEXT = (WINDOW / HEX_FORMAT::RECORD_LENGTH + 2) * LINE_LENGTH;
 constexpr std::uint8_t END_LINE[] = {':', '0', '0', '0', '0', '0', '0', '0', '1', 'F', 'F', '\n'};
 
 /// The address of the byte that stands first in the file; refuses streams that leave the 32 bit address
@@ -74,53 +77,152 @@ char* put_record(char* text, std::uint8_t type, std::uint16_t address, std::span
     text[2] = '\n';
     return text + 3;
 }
+
+/// Walks through the image as the file holds it: window by window, each with its bytes in the order of the
+/// file.
+class WINDOWS
+{
+public:
+    WINDOWS(const FORMAT_REQUEST& request, std::uint64_t first)
+        : m_request(request), m_size(request.image->size()), m_first(first),
+          m_data(static_cast<std::size_t>(std::min<std::uint64_t>(m_size, WINDOW)))
+    {
+    }
+
+    bool at_end() const { return m_done == m_size; }
+    std::uint64_t address() const { return m_first + m_done; } ///< of the next window
+
+    bool next(std::span<const std::uint8_t>& bytes, std::string& message)
+    {
+        const std::size_t count =
+            static_cast<std::size_t>(std::min<std::uint64_t>(WINDOW - address() % WINDOW, m_size - m_done));
+        const std::span<std::uint8_t> data(m_data.data(), count);
+        if (!m_request.image->read(m_request.count_down ? m_size - m_done - count : m_done, data, message))
+            return false;
+        if (m_request.count_down)
+            std::reverse(data.begin(), data.end());
+        m_done += count;
+        bytes = data;
+        return true;
+    }
+
+private:
+    const FORMAT_REQUEST& m_request;
+    const std::uint64_t m_size;
+    const std::uint64_t m_first;
+    std::uint64_t m_done = 0;
+    std::vector<std::uint8_t> m_data;
+};
+
+/// Hands the bytes of a window over as records, of which none crosses a multiple of its length; a false from
+/// `take` ends it.
+template <class TAKE>
+bool for_each_record(std::uint64_t address, std::span<const std::uint8_t> bytes, TAKE take)
+{
+    while (!bytes.empty()) {
+        const std::size_t length = std::min<std::size_t>(
+            HEX_FORMAT::RECORD_LENGTH - address % HEX_FORMAT::RECORD_LENGTH, bytes.size());
+        if (!take(static_cast<std::uint16_t>(address), bytes.first(length)))
+            return false;
+        bytes = bytes.subspan(length);
+        address += length;
+    }
+    return true;
+}
+
+/// The address record of a window.
+std::array<std::uint8_t, 2> upper_half(std::uint64_t address)
+{
+    return {static_cast<std::uint8_t>(address >> 24), static_cast<std::uint8_t>(address >> 16)};
+}
+
+/// Whether the text of a window, which has the right length, says what it must.
+bool window_says(const std::uint8_t* text, std::uint64_t address, std::span<const std::uint8_t> bytes)
+{
+    const auto upper = upper_half(address);
+    if (!hex_line_says(text, INTEL_HEX_RECORD::EXTENDED_LINEAR_ADDRESS, 0, upper))
+        return false;
+    text += hex_line_length(upper.size());
+    const auto says = [&text](std::uint16_t at, std::span<const std::uint8_t> data) {
+        const std::uint8_t* const line = text;
+        text += hex_line_length(data.size());
+        return hex_line_says(line, INTEL_HEX_RECORD::DATA, at, data);
+    };
+    // Full records in one go, with what may stand before the first and behind the last.
+    const std::size_t before =
+        static_cast<std::size_t>(std::min<std::uint64_t>(-address % HEX_FORMAT::RECORD_LENGTH, bytes.size()));
+    const std::size_t full = (bytes.size() - before) / HEX_FORMAT::RECORD_LENGTH * HEX_FORMAT::RECORD_LENGTH;
+    if (!for_each_record(address, bytes.first(before), says) ||
+        !hex_lines_say(text, (address + before) % WINDOW, bytes.subspan(before, full)))
+        return false;
+    text += full / HEX_FORMAT::RECORD_LENGTH * LINE_LENGTH;
+    return for_each_record(address + before + full, bytes.subspan(before + full), says);
+}
+
+/// Characters of the text of a window.
+std::size_t window_length(std::uint64_t address, std::size_t count)
+{
+    constexpr std::size_t LENGTH = HEX_FORMAT::RECORD_LENGTH;
+    const std::size_t records = (static_cast<std::size_t>(address % LENGTH) + count + LENGTH - 1) / LENGTH;
+    return hex_line_length(2) + records * hex_line_length(0) + 2 * count;
+}
+
+/// Whether the file is, character by character, what it must be. False without a message when it is not;
+/// where and why is then to be found by decoding it.
+bool reads_as_written(const FORMAT_REQUEST& request, std::uint64_t first, const BYTE_SOURCE& file,
+                      std::string& message)
+{
+    std::vector<std::uint8_t> text(MOST_WINDOW_TEXT);
+    std::uint64_t offset = 0;
+    const auto read = [&](std::size_t length) {
+        const bool there =
+            length <= file.size() - offset && file.read(offset, {text.data(), length}, message);
+        offset += length;
+        return there;
+    };
+    for (WINDOWS windows(request, first); !windows.at_end();) {
+        const std::uint64_t address = windows.address();
+        std::span<const std::uint8_t> bytes;
+        if (!windows.next(bytes, message) || !read(window_length(address, bytes.size())) ||
+            !window_says(text.data(), address, bytes))
+            return false;
+    }
+    return read(sizeof END_LINE) && offset == file.size() &&
+           std::memcmp(text.data(), END_LINE, sizeof END_LINE) == 0;
+}
 } // namespace
 
 bool HEX_FORMAT::write(const FORMAT_REQUEST& request, BYTE_SINK& sink, std::string& message) const
 {
-    std::uint64_t address = 0;
-    if (!first_address(request, address, message))
+    std::uint64_t first = 0;
+    if (!first_address(request, first, message))
         return false;
-    const std::uint64_t first = address;
-    const std::uint64_t size = request.image->size();
-    std::vector<std::uint8_t> data(static_cast<std::size_t>(std::min<std::uint64_t>(size, WINDOW)));
-    std::vector<char> text((WINDOW / RECORD_LENGTH + 2) * LINE_LENGTH);
-
-    while (address != first + size) {
-        const std::size_t count = static_cast<std::size_t>(
-            std::min<std::uint64_t>(WINDOW - address % WINDOW, first + size - address));
-        const std::uint64_t done = address - first;
-        if (!request.image->read(request.count_down ? size - done - count : done, {data.data(), count},
-                                 message))
+    std::vector<char> text(MOST_WINDOW_TEXT);
+    for (WINDOWS windows(request, first); !windows.at_end();) {
+        const std::uint64_t address = windows.address();
+        std::span<const std::uint8_t> bytes;
+        if (!windows.next(bytes, message))
             return false;
-        if (request.count_down)
-            std::reverse(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(count));
-
-        const std::uint8_t upper[] = {static_cast<std::uint8_t>(address >> 24),
-                                      static_cast<std::uint8_t>(address >> 16)};
-        char* end = put_record(text.data(), INTEL_HEX_RECORD::EXTENDED_LINEAR_ADDRESS, 0, upper);
-        // Records end at multiples of their length, so that none of them crosses a window.
-        for (std::size_t i = 0; i != count;) {
-            const std::uint64_t at = address + i;
-            const std::size_t length = std::min<std::size_t>(RECORD_LENGTH - at % RECORD_LENGTH, count - i);
-            end = put_record(end, INTEL_HEX_RECORD::DATA, static_cast<std::uint16_t>(at),
-                             {data.data() + i, length});
-            i += length;
-        }
+        char* end =
+            put_record(text.data(), INTEL_HEX_RECORD::EXTENDED_LINEAR_ADDRESS, 0, upper_half(address));
+        for_each_record(address, bytes, [&end](std::uint16_t at, std::span<const std::uint8_t> data) {
+            end = put_record(end, INTEL_HEX_RECORD::DATA, at, data);
+            return true;
+        });
         if (!sink.write({reinterpret_cast<const std::uint8_t*>(text.data()),
                          static_cast<std::size_t>(end - text.data())},
                         message))
             return false;
-        address += count;
     }
     return sink.write(END_LINE, message);
 }
 
-bool HEX_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, std::string& message) const
+namespace
 {
-    std::uint64_t first = 0;
-    if (!first_address(request, first, message))
-        return false;
+/// Decodes the file record by record and tells the first thing that is wrong with it.
+bool decodes_to_image(const FORMAT_REQUEST& request, std::uint64_t first, const BYTE_SOURCE& file,
+                      std::string& message)
+{
     const std::uint64_t size = request.image->size();
     INTEL_HEX_PARSER parser(file);
     const auto refuse = [&](const std::string& reason) {
@@ -211,6 +313,15 @@ bool HEX_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, 
         return false;
     }
     return true;
+}
+} // namespace
+
+bool HEX_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, std::string& message) const
+{
+    std::uint64_t first = 0;
+    if (!first_address(request, first, message))
+        return false;
+    return reads_as_written(request, first, file, message) || decodes_to_image(request, first, file, message);
 }
 
 bool HEX_FORMAT::decode(const BYTE_SOURCE& file, BYTE_SINK& sink, std::string& message) const

@@ -104,31 +104,36 @@ bool TTF_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, 
             static_cast<std::size_t>(std::min<std::uint64_t>(size - index, block.size()));
         if (!request.image->read(index, {block.data(), count}, message))
             return false;
-        for (std::size_t i = 0; i < count; i += PER_LINE) {
-            if (!reader.need(TTF_LINE_READABLE, message))
+        for (std::size_t i = 0; i < count;) {
+            if (!reader.need(TTF_LINES_READABLE, message))
                 return false;
-            const std::size_t in_line = std::min<std::size_t>(PER_LINE, count - i);
-            std::array<std::uint8_t, TTF_LINE_READABLE> copy; // the end of the file
             const std::uint8_t* text = reader.data();
+            const std::uint8_t* at = text;
+            if (count - i >= 2 * PER_LINE && index + i + 2 * PER_LINE != size &&
+                reader.available() >= TTF_LINES_READABLE && ttf_lines_say(text, block.data() + i, at)) {
+                i += 2 * PER_LINE;
+                reader.skip(static_cast<std::size_t>(at - text));
+                continue;
+            }
+            // The last line ends in its own way, and a wrong one is to be told number by number.
+            std::array<std::uint8_t, LONGEST_LINE> copy; // the end of the file
             if (reader.available() < copy.size()) {
                 std::fill(std::copy_n(text, reader.available(), copy.begin()), copy.end(), std::uint8_t(0));
-                text = copy.data();
+                at = text = copy.data();
             }
-            const std::uint8_t* at = text;
+            const std::size_t in_line = std::min<std::size_t>(PER_LINE, count - i);
             const bool last = index + i + in_line == size;
-            if (last || !ttf_line_says(text, block.data() + i, at)) {
-                // The last line ends in its own way, and a wrong one is to be told number by number.
-                for (std::size_t k = 0; k != in_line; ++k) {
-                    const bool end = last && k + 1 == in_line;
-                    if (!ttf_number_says(at, block[i + k], end ? '\n' : ','))
-                        return wrong_number(index + i + k, block[i + k], message);
-                }
-                if (!last && *at++ != '\n') {
-                    message = "Line " + std::to_string((index + i) / PER_LINE + 1) +
-                              " does not end behind its sixteenth number; generate the file again.";
-                    return false;
-                }
+            for (std::size_t k = 0; k != in_line; ++k) {
+                const bool end = last && k + 1 == in_line;
+                if (!ttf_number_says(at, block[i + k], end ? '\n' : ','))
+                    return wrong_number(index + i + k, block[i + k], message);
             }
+            if (!last && *at++ != '\n') {
+                message = "Line " + std::to_string((index + i) / PER_LINE + 1) +
+                          " does not end behind its sixteenth number; generate the file again.";
+                return false;
+            }
+            i += in_line;
             reader.skip(static_cast<std::size_t>(at - text));
         }
         index += count;

@@ -22,14 +22,16 @@ bool ttf_number_says(const std::uint8_t*& at, std::uint8_t byte, char behind)
     return true;
 }
 
-bool ttf_line_says_portable(const std::uint8_t* text, const std::uint8_t* bytes, const std::uint8_t*& end)
+bool ttf_lines_say_portable(const std::uint8_t* text, const std::uint8_t* bytes, const std::uint8_t*& end)
 {
-    for (unsigned i = 0; i != 16; ++i)
-        if (!ttf_number_says(text, bytes[i], ','))
+    for (unsigned line = 0; line != 2; ++line) {
+        for (unsigned i = 0; i != 16; ++i)
+            if (!ttf_number_says(text, *bytes++, ','))
+                return false;
+        if (*text++ != '\n')
             return false;
-    if (*text != '\n')
-        return false;
-    end = text + 1;
+    }
+    end = text;
     return true;
 }
 
@@ -62,57 +64,99 @@ constexpr auto SPREADS = [] {
     return spreads;
 }();
 
-__attribute__((target("ssse3"))) bool line_says_ssse3(const std::uint8_t* text, const std::uint8_t* bytes,
-                                                      const std::uint8_t*& end)
+#define WITH_AVX2 __attribute__((target("avx2")))
+
+WITH_AVX2 __m256i all(char value)
 {
-    const auto all = [](std::uint32_t value) { return _mm_set1_epi32(static_cast<int>(value)); };
-    const __m128i zero = _mm_setzero_si128();
-    const __m128i source = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+    return _mm256_set1_epi8(value);
+}
+
+/// Ones in the bytes that are not below the limit.
+WITH_AVX2 __m256i from(__m256i bytes, unsigned limit)
+{
+    return _mm256_cmpeq_epi8(_mm256_max_epu8(bytes, all(static_cast<char>(limit))), bytes);
+}
+
+WITH_AVX2 __m256i both(const std::uint8_t* lower, const std::uint8_t* upper)
+{
+    return _mm256_inserti128_si256(
+        _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(lower))),
+        _mm_loadu_si128(reinterpret_cast<const __m128i*>(upper)), 1);
+}
+
+/// One line in each half of the registers.
+WITH_AVX2 bool lines_say_avx2(const std::uint8_t* text, const std::uint8_t* bytes, const std::uint8_t*& end)
+{
+    const __m256i source = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
+    const __m256i ten = from(source, 10);
+    const __m256i hundred = from(source, 100);
+    const __m256i two_hundred = from(source, 200);
 
     // Digits less one of each number, and from them the index of the spread of each four.
-    const __m128i ten = _mm_cmpeq_epi8(_mm_max_epu8(source, _mm_set1_epi8(10)), source);
-    const __m128i hundred = _mm_cmpeq_epi8(_mm_max_epu8(source, _mm_set1_epi8(100)), source);
-    const __m128i longer = _mm_sub_epi8(zero, _mm_add_epi8(ten, hundred));
-    alignas(16) std::array<std::int32_t, 4> index;
-    _mm_store_si128(reinterpret_cast<__m128i*>(index.data()),
-                    _mm_madd_epi16(_mm_maddubs_epi16(longer, _mm_set1_epi16(0x0301)), all(0x00090001)));
+    const __m256i longer = _mm256_sub_epi8(_mm256_setzero_si256(), _mm256_add_epi8(ten, hundred));
+    alignas(32) std::array<std::uint32_t, 8> index;
+    _mm256_store_si256(reinterpret_cast<__m256i*>(index.data()),
+                       _mm256_madd_epi16(_mm256_maddubs_epi16(longer, _mm256_set1_epi16(0x0301)),
+                                         _mm256_set1_epi32(0x00090001)));
 
-    const __m128i low = _mm_unpacklo_epi8(source, zero);
-    const __m128i high = _mm_unpackhi_epi8(source, zero);
-    const __m128i wanted[4] = {_mm_unpacklo_epi16(low, zero), _mm_unpackhi_epi16(low, zero),
-                               _mm_unpacklo_epi16(high, zero), _mm_unpackhi_epi16(high, zero)};
-    constexpr std::uint32_t COMMA = std::uint32_t(',' ^ '0') << 24;
-    __m128i same = _mm_set1_epi8(-1);
+    // The digits of all numbers; 103 / 1024 is close enough to a tenth for numbers below 100.
+    const __m256i hundreds = _mm256_sub_epi8(all('0'), _mm256_add_epi8(hundred, two_hundred));
+    const __m256i below_hundred =
+        _mm256_sub_epi8(source, _mm256_add_epi8(_mm256_and_si256(hundred, all(100)),
+                                                _mm256_and_si256(two_hundred, all(100))));
+    const __m256i tenth = _mm256_set1_epi16(103);
+    const __m256i even = _mm256_srli_epi16(
+        _mm256_mullo_epi16(_mm256_and_si256(below_hundred, _mm256_set1_epi16(0xFF)), tenth), 10);
+    const __m256i odd = _mm256_srli_epi16(_mm256_mullo_epi16(_mm256_srli_epi16(below_hundred, 8), tenth), 10);
+    const __m256i tens = _mm256_or_si256(even, _mm256_slli_epi16(odd, 8));
+    const __m256i twice = _mm256_add_epi8(tens, tens);
+    const __m256i eightfold = _mm256_slli_epi16(twice, 2); // no carry leaves a byte, tens are below 10
+    const __m256i ones =
+        _mm256_add_epi8(_mm256_sub_epi8(below_hundred, _mm256_add_epi8(twice, eightfold)), all('0'));
+
+    const __m256i first = _mm256_and_si256(hundreds, hundred);
+    const __m256i second = _mm256_and_si256(_mm256_add_epi8(tens, all('0')), ten);
+    const __m256i low_begin = _mm256_unpacklo_epi8(first, second);
+    const __m256i high_begin = _mm256_unpackhi_epi8(first, second);
+    const __m256i low_end = _mm256_unpacklo_epi8(ones, all(','));
+    const __m256i high_end = _mm256_unpackhi_epi8(ones, all(','));
+    const __m256i wanted[4] = {
+        _mm256_unpacklo_epi16(low_begin, low_end), _mm256_unpackhi_epi16(low_begin, low_end),
+        _mm256_unpacklo_epi16(high_begin, high_end), _mm256_unpackhi_epi16(high_begin, high_end)};
+
+    const std::uint8_t* one = text;
+    const std::uint8_t* other = text + 1;
+    for (unsigned i = 0; i != 4; ++i)
+        other += SPREADS[index[i]].length;
+    const std::uint8_t* const break_of_one = other - 1;
+    __m256i same = all(-1);
     for (unsigned i = 0; i != 4; ++i) {
-        const SPREAD& spread = SPREADS[static_cast<std::size_t>(index[i])];
-        const __m128i characters =
-            _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(text)), _mm_set1_epi8('0'));
-        const __m128i digits = _mm_shuffle_epi8(
-            characters, _mm_load_si128(reinterpret_cast<const __m128i*>(spread.shuffle.data())));
-        const __m128i values = _mm_madd_epi16(_mm_maddubs_epi16(digits, all(0x00010A64)), _mm_set1_epi16(1));
-        same = _mm_and_si128(same, _mm_cmpeq_epi32(values, wanted[i]));
-        same = _mm_and_si128(same, _mm_cmpeq_epi8(_mm_min_epu8(digits, all(COMMA | 0x090909)), digits));
-        same = _mm_and_si128(same, _mm_cmpeq_epi8(_mm_and_si128(digits, all(0xFF000000)), all(COMMA)));
-        text += spread.length;
+        const SPREAD& of_one = SPREADS[index[i]];
+        const SPREAD& of_other = SPREADS[index[i + 4]];
+        const __m256i characters =
+            _mm256_shuffle_epi8(both(one, other), both(of_one.shuffle.data(), of_other.shuffle.data()));
+        same = _mm256_and_si256(same, _mm256_cmpeq_epi8(characters, wanted[i]));
+        one += of_one.length;
+        other += of_other.length;
     }
-    if (_mm_movemask_epi8(same) != 0xFFFF || *text != '\n')
+    if (_mm256_movemask_epi8(same) != -1 || *break_of_one != '\n' || *other != '\n')
         return false;
-    end = text + 1;
+    end = other + 1;
     return true;
 }
 } // namespace
 
-bool ttf_line_says(const std::uint8_t* text, const std::uint8_t* bytes, const std::uint8_t*& end)
+bool ttf_lines_say(const std::uint8_t* text, const std::uint8_t* bytes, const std::uint8_t*& end)
 {
-    static const bool vectors = __builtin_cpu_supports("ssse3");
-    return vectors ? line_says_ssse3(text, bytes, end) : ttf_line_says_portable(text, bytes, end);
+    static const bool vectors = __builtin_cpu_supports("avx2");
+    return vectors ? lines_say_avx2(text, bytes, end) : ttf_lines_say_portable(text, bytes, end);
 }
 
 #else
 
-bool ttf_line_says(const std::uint8_t* text, const std::uint8_t* bytes, const std::uint8_t*& end)
+bool ttf_lines_say(const std::uint8_t* text, const std::uint8_t* bytes, const std::uint8_t*& end)
 {
-    return ttf_line_says_portable(text, bytes, end);
+    return ttf_lines_say_portable(text, bytes, end);
 }
 
 #endif

@@ -11,14 +11,15 @@
 /// them when it does. Four characters must be readable.
 bool ttf_number_says(const std::uint8_t*& at, std::uint8_t byte, char behind);
 
-/// The most characters that are looked at for a line.
-inline constexpr std::size_t TTF_LINE_READABLE = 16 * 4 + 1 + 16;
+/// The most characters that are looked at for two lines.
+inline constexpr std::size_t TTF_LINES_READABLE = 2 * (16 * 4 + 1) + 16;
 
-/// Whether `text` reads as a line of the 16 numbers `bytes`, each followed by a comma, and a line feed; `end`
-/// is then behind it, and untouched otherwise. TTF_LINE_READABLE characters must be readable.
-bool ttf_line_says(const std::uint8_t* text, const std::uint8_t* bytes, const std::uint8_t*& end);
+/// Whether `text` reads as two lines, each of 16 of the 32 numbers `bytes`, each number followed by a comma,
+/// and a line feed; `end` is then behind them, and untouched otherwise. TTF_LINES_READABLE characters must be
+/// readable.
+bool ttf_lines_say(const std::uint8_t* text, const std::uint8_t* bytes, const std::uint8_t*& end);
 
 /// The same without vector instructions.
-bool ttf_line_says_portable(const std::uint8_t* text, const std::uint8_t* bytes, const std::uint8_t*& end);
+bool ttf_lines_say_portable(const std::uint8_t* text, const std::uint8_t* bytes, const std::uint8_t*& end);
 
 #endif
