@@ -38,6 +38,7 @@ FORMAT_REQUEST request()
     FORMAT_REQUEST result;
     result.image = &stream();
     result.device = "bench";
+    result.target = {"bench", 0x10A15BC7, 10};
     return result;
 }
 
@@ -86,11 +87,17 @@ void index_intel_hex(benchmark::State& state)
 BENCHMARK_CAPTURE(write_format, rbf, VEK_RBF_FILE_TYPE);
 BENCHMARK_CAPTURE(write_format, ttf, VEK_TTF_FILE_TYPE);
 BENCHMARK_CAPTURE(write_format, hex, VEK_HEX_FILE_TYPE);
+BENCHMARK_CAPTURE(write_format, svf, VEK_SVF_FILE_TYPE);
+BENCHMARK_CAPTURE(write_format, jam, VEK_JAM_FILE_TYPE);
+BENCHMARK_CAPTURE(write_format, jbc, VEK_JBC_FILE_TYPE);
 BENCHMARK_CAPTURE(write_format, rpd, VEK_RPD_FILE_TYPE);
 BENCHMARK_CAPTURE(write_format, pof, VEK_POF_FILE_TYPE);
 BENCHMARK_CAPTURE(verify_format, rbf, VEK_RBF_FILE_TYPE);
 BENCHMARK_CAPTURE(verify_format, ttf, VEK_TTF_FILE_TYPE);
 BENCHMARK_CAPTURE(verify_format, hex, VEK_HEX_FILE_TYPE);
+BENCHMARK_CAPTURE(verify_format, svf, VEK_SVF_FILE_TYPE);
+BENCHMARK_CAPTURE(verify_format, jam, VEK_JAM_FILE_TYPE);
+BENCHMARK_CAPTURE(verify_format, jbc, VEK_JBC_FILE_TYPE);
 BENCHMARK_CAPTURE(verify_format, rpd, VEK_RPD_FILE_TYPE);
 BENCHMARK_CAPTURE(verify_format, pof, VEK_POF_FILE_TYPE);
 BENCHMARK(index_intel_hex);

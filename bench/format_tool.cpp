@@ -1,12 +1,16 @@
-// format_tool FORMAT OUTPUT INPUT... [--verify] [--bitswap]
+// format_tool FORMAT OUTPUT INPUT... [--verify] [--bitswap] [--stream]
 //
-// Writes OUTPUT in the format (rbf, ttf, hex, rpd, pof) as a generation does: to a temporary file that is
-// renamed, and with --verify read back before that. Several inputs are laid one behind the other into a flash
-// image, with the checksum of each, and the map is written beside the output.
+// Writes OUTPUT in the format (rbf, ttf, hex, svf, jam, jbc, rpd, pof) as a generation does: to a temporary
+// file that is renamed, and with --verify read back before that. Several inputs are laid one behind the other
+// into a flash image, with the checksum of each, and the map is written beside the output. With --stream the
+// input is a bitstream file, of which the configuration stream is built first; "format_tool pack OUTPUT
+// INPUT" makes one.
 
 #include "atomic_file.h"
+#include "configuration_stream.h"
 #include "flash_image.h"
 #include "format_registry.h"
+#include "pack.h"
 
 #include <cstring>
 #include <iostream>
@@ -28,9 +32,32 @@ bool produce(const FORMAT& format, const FORMAT_REQUEST& request, const std::str
     return file->commit(message);
 }
 
-bool run(const FORMAT_ROW& row, const std::vector<std::string>& paths, FORMAT_REQUEST& request, bool verify,
-         std::string& message)
+struct SWITCHES {
+    bool verify = false;
+    bool stream = false;
+};
+
+bool pack(const std::string& input, const std::string& output, std::string& message)
 {
+    PACK_REQUEST request;
+    request.device = "ZR9A041"; // takes 80 MiB
+    request.core_path = input;
+    request.output_path = output;
+    return pack_bitstream(request, message);
+}
+
+bool run(const FORMAT_ROW& row, const std::vector<std::string>& paths, FORMAT_REQUEST& request,
+         const SWITCHES& switches, std::string& message)
+{
+    request.device = "bench";
+    request.target = {"bench", 0x10A15BC7, 10};
+    if (switches.stream) {
+        STREAM_INPUT input;
+        input.path = paths[1];
+        const auto stream = build_configuration_stream({input}, ".", message);
+        request.image = stream.get();
+        return stream && produce(*row.format, request, paths.front(), switches.verify, message);
+    }
     std::vector<std::shared_ptr<FILE_SOURCE>> inputs;
     std::uint64_t size = 0;
     for (std::size_t i = 1; i != paths.size(); ++i) {
@@ -39,10 +66,9 @@ bool run(const FORMAT_ROW& row, const std::vector<std::string>& paths, FORMAT_RE
             return false;
         size += inputs.back()->size();
     }
-    request.device = "bench";
     if (row.subject == FORMAT_SUBJECT::STREAM) {
         request.image = inputs.front().get();
-        return produce(*row.format, request, paths.front(), verify, message);
+        return produce(*row.format, request, paths.front(), switches.verify, message);
     }
 
     FLASH_IMAGE image(size);
@@ -60,37 +86,42 @@ bool run(const FORMAT_ROW& row, const std::vector<std::string>& paths, FORMAT_RE
         at += input->size();
     }
     request.image = &image;
-    return produce(*row.format, request, paths.front(), verify, message) &&
-           produce(*find_format(VEK_MAP_FILE_TYPE), request, paths.front() + ".map", verify, message);
+    return produce(*row.format, request, paths.front(), switches.verify, message) &&
+           produce(*find_format(VEK_MAP_FILE_TYPE), request, paths.front() + ".map", switches.verify,
+                   message);
 }
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const std::map<std::string, VEK_FILE_TYPE> types = {{"rbf", VEK_RBF_FILE_TYPE},
-                                                        {"ttf", VEK_TTF_FILE_TYPE},
-                                                        {"hex", VEK_HEX_FILE_TYPE},
-                                                        {"rpd", VEK_RPD_FILE_TYPE},
-                                                        {"pof", VEK_POF_FILE_TYPE}};
+    const std::map<std::string, VEK_FILE_TYPE> types = {
+        {"rbf", VEK_RBF_FILE_TYPE}, {"ttf", VEK_TTF_FILE_TYPE}, {"hex", VEK_HEX_FILE_TYPE},
+        {"svf", VEK_SVF_FILE_TYPE}, {"jam", VEK_JAM_FILE_TYPE}, {"jbc", VEK_JBC_FILE_TYPE},
+        {"rpd", VEK_RPD_FILE_TYPE}, {"pof", VEK_POF_FILE_TYPE}};
     FORMAT_REQUEST request;
-    bool verify = false;
+    SWITCHES switches;
     std::vector<std::string> words;
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--verify") == 0)
-            verify = true;
+            switches.verify = true;
         else if (std::strcmp(argv[i], "--bitswap") == 0)
             request.bitswap = true;
+        else if (std::strcmp(argv[i], "--stream") == 0)
+            switches.stream = true;
         else
             words.emplace_back(argv[i]);
     }
-    if (words.size() < 3 || !types.contains(words[0])) {
-        std::cerr << "usage: format_tool rbf|ttf|hex|rpd|pof OUTPUT INPUT... [--verify] [--bitswap]\n";
+    const bool packs = words.size() == 3 && words[0] == "pack";
+    if (words.size() < 3 || (!packs && !types.contains(words[0]))) {
+        std::cerr << "usage: format_tool rbf|ttf|hex|svf|jam|jbc|rpd|pof OUTPUT INPUT... [--verify] "
+                     "[--bitswap] [--stream]\n       format_tool pack OUTPUT INPUT\n";
         return 2;
     }
-    const FORMAT_ROW* const row = find_format_row(types.at(words[0]));
+    const std::string word = words[0];
     words.erase(words.begin());
     std::string message;
-    if (run(*row, words, request, verify, message))
+    if (packs ? pack(words[1], words[0], message)
+              : run(*find_format_row(types.at(word)), words, request, switches, message))
         return 0;
     std::cerr << message << '\n';
     return 1;
