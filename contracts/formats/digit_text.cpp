@@ -25,11 +25,6 @@ void copy_reversed(const std::uint8_t* from, std::size_t count, std::uint8_t* in
     while (count-- != 0)
         *into++ = *--end;
 }
-
-std::span<const std::uint8_t> bytes_of(std::string_view text)
-{
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
 } // namespace
 
 bool DIGIT_TEXT::load_reversed(std::uint64_t begin, std::uint64_t end, std::span<const std::uint8_t>& bytes,
@@ -128,12 +123,26 @@ bool DIGIT_TEXT_CHECK::refuse(const std::string& reason, std::string& message) c
     return false;
 }
 
-void DIGIT_TEXT_CHECK::take(std::size_t count)
+/// Makes so many characters visible, fewer only at the end of the file.
+bool DIGIT_TEXT_CHECK::need(std::size_t count, std::string& message)
 {
-    const std::span<const std::uint8_t> taken(m_reader.data(), count);
-    add_to_sum(taken);
-    m_line += static_cast<std::uint64_t>(std::count(taken.begin(), taken.end(), '\n'));
+    if (m_reader.available() >= count)
+        return true;
+    sum_up(); // what was taken goes out of sight
+    return m_reader.need(count, message);
+}
+
+void DIGIT_TEXT_CHECK::take(std::size_t count, std::uint64_t lines)
+{
+    m_line += lines;
     m_reader.skip(count);
+    m_unsummed += count;
+}
+
+void DIGIT_TEXT_CHECK::sum_up()
+{
+    add_to_sum({m_reader.data() - m_unsummed, m_unsummed});
+    m_unsummed = 0;
 }
 
 bool DIGIT_TEXT_CHECK::text(std::string_view characters, std::string& message)
@@ -141,60 +150,62 @@ bool DIGIT_TEXT_CHECK::text(std::string_view characters, std::string& message)
     while (!characters.empty()) {
         // By lines, so that the place is told.
         const std::size_t count = std::min(characters.find('\n'), characters.size() - 1) + 1;
-        if (!m_reader.need(count, message))
+        if (!need(count, message))
             return false;
         if (m_reader.available() < count)
             return refuse("is not complete", message);
         if (std::memcmp(m_reader.data(), characters.data(), count) != 0)
             return refuse("does not say what the setup asks for", message);
-        take(count);
+        take(count, characters[count - 1] == '\n' ? 1 : 0);
         characters.remove_prefix(count);
     }
     return true;
 }
 
+/// One line, digit by digit.
 bool DIGIT_TEXT_CHECK::line_says(std::span<const std::uint8_t> bytes, std::uint64_t image_end,
                                  std::string& message)
 {
     const std::size_t characters = 2 * bytes.size() + 1;
-    if (!m_reader.need(characters, message))
+    if (!need(characters, message))
         return false;
     if (m_reader.available() < characters)
         return refuse("is not complete", message);
     const std::uint8_t* at = m_reader.data();
-    std::array<std::uint8_t, LINE_BYTES> decoded;
-    std::size_t i = 0;
-    bool valid = true;
-    for (unsigned sum = 0; bytes.size() - i >= 16; i += 16, at += 32)
-        valid = hex_digits::decode_16(at, decoded.data() + i, sum) && valid;
-    for (; i != bytes.size(); ++i, at += 2) {
-        const unsigned value = hex_digits::get(at, hex_digits::UPPER_CASE_VALUES);
-        valid = value <= 0xFF && valid;
-        decoded[i] = static_cast<std::uint8_t>(value);
-    }
-    if (!valid || *at != '\n' || std::memcmp(decoded.data(), bytes.data(), bytes.size()) != 0)
+    const bool says = std::all_of(bytes.begin(), bytes.end(), [&at](std::uint8_t byte) {
+        at += 2;
+        return hex_digits::get(at - 2, hex_digits::UPPER_CASE_VALUES) == byte;
+    });
+    if (!says || *at != '\n')
         return refuse("does not hold the image bytes " + hex_text(image_end - bytes.size()) + " to " +
                           hex_text(image_end - 1),
                       message);
-    add_to_sum({m_reader.data(), characters});
-    ++m_line;
-    m_reader.skip(characters);
+    take(characters, 1);
     return true;
 }
 
 bool DIGIT_TEXT_CHECK::digits(std::uint64_t offset, std::uint64_t length, std::string& message)
 {
+    constexpr std::size_t LINES_AT_ONCE = CACHED_BLOCK_SIZE / 2 / DIGIT_LINE_LENGTH;
     for (std::uint64_t end = offset + length; end != offset;) {
         std::span<const std::uint8_t> bytes;
         if (!load_reversed(offset, end, bytes, message))
             return false;
         while (!bytes.empty()) {
             const std::size_t odd = bytes.size() % LINE_BYTES;
-            const std::size_t line = odd != 0 ? odd : LINE_BYTES;
-            if (!line_says(bytes.first(line), end, message))
+            const std::size_t lines = odd != 0 ? 1 : std::min(LINES_AT_ONCE, bytes.size() / LINE_BYTES);
+            std::size_t done = odd != 0 ? odd : LINE_BYTES;
+            if (!need(lines * DIGIT_LINE_LENGTH, message))
                 return false;
-            bytes = bytes.subspan(line);
-            end -= line;
+            if (odd == 0 && m_reader.available() >= lines * DIGIT_LINE_LENGTH &&
+                digit_lines_say(m_reader.data(), bytes.first(lines * LINE_BYTES))) {
+                done = lines * LINE_BYTES;
+                take(lines * DIGIT_LINE_LENGTH, lines);
+            } else if (!line_says(bytes.first(done), end, message)) {
+                return false;
+            }
+            bytes = bytes.subspan(done);
+            end -= done;
         }
     }
     return true;
@@ -202,13 +213,14 @@ bool DIGIT_TEXT_CHECK::digits(std::uint64_t offset, std::uint64_t length, std::s
 
 bool DIGIT_TEXT_CHECK::checksum(std::string_view introduction, unsigned digit_count, std::string& message)
 {
+    sum_up();
     const std::string wanted = with_sum(introduction, digit_count);
-    if (!m_reader.need(wanted.size(), message))
+    if (!need(wanted.size(), message))
         return false;
     if (m_reader.available() < wanted.size() ||
-        std::memcmp(m_reader.data(), bytes_of(wanted).data(), wanted.size()) != 0)
+        std::memcmp(m_reader.data(), wanted.data(), wanted.size()) != 0)
         return refuse("does not have the checksum " + wanted.substr(introduction.size()), message);
-    take(wanted.size());
+    take(wanted.size(), 0);
     return true;
 }
 

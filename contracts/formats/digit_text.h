@@ -3,6 +3,7 @@
 
 #include "block_reader.h"
 #include "byte_source.h"
+#include "digit_compare.h"
 
 #include <array>
 #include <cstdint>
@@ -18,7 +19,7 @@ class DIGIT_TEXT
 {
 public:
     /// Bytes in a full line of digits. Lines stay below the 256 characters that SVF allows.
-    static constexpr std::size_t LINE_BYTES = 64;
+    static constexpr std::size_t LINE_BYTES = DIGIT_LINE_BYTES;
 
     /// A checksum in the continuing form of crc32().
     using CHECKSUM = std::uint32_t (*)(std::span<const std::uint8_t>, std::uint32_t);
@@ -97,10 +98,13 @@ public:
 
 private:
     bool refuse(const std::string& reason, std::string& message) const;
+    bool need(std::size_t count, std::string& message);
     bool line_says(std::span<const std::uint8_t> bytes, std::uint64_t image_end, std::string& message);
-    void take(std::size_t count);
+    void take(std::size_t count, std::uint64_t lines);
+    void sum_up();
 
     BLOCK_READER m_reader;
+    std::size_t m_unsummed = 0; ///< characters taken that the checksum does not have yet
     std::uint64_t m_line = 1;
 };
 

@@ -194,9 +194,9 @@ TEST(stapl_crc, equals_the_one_that_goes_bit_by_bit)
     EXPECT_EQ(stapl_crc(bytes_of("123456789")), 0x906Eu); // the check value of CRC-16/X-25
     DICE random(7);
     for (int round = 0; round != 200; ++round) {
-        BYTES bytes = make_bytes(random() % 100, random());
+        BYTES bytes = make_bytes(random() % (round % 2 == 0 ? 100 : 2000), random());
         for (std::uint8_t& byte : bytes)
-            byte = random() % 8 == 0 ? '\r' : byte;
+            byte = random() % (round % 4 == 3 ? 800 : 8) == 0 ? '\r' : byte;
         const std::size_t cut = bytes.empty() ? 0 : random() % bytes.size();
         EXPECT_EQ(stapl_crc(bytes), plain_stapl_crc(text_of(bytes)));
         EXPECT_EQ(stapl_crc(std::span(bytes).subspan(cut), stapl_crc(std::span(bytes).first(cut))),
