@@ -20,7 +20,9 @@ if(IMAGEWRIGHT_SANITIZERS)
     add_compile_options(-fsanitize=${IMAGEWRIGHT_SANITIZERS} -fno-omit-frame-pointer)
     # These two follow the flow of a program that the instrumentation has changed, and see faults that are not there.
     # The other builds keep them.
-    add_compile_options(-Wno-maybe-uninitialized -Wno-stringop-overflow)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        add_compile_options(-Wno-maybe-uninitialized -Wno-stringop-overflow)
+    endif()
     if(IMAGEWRIGHT_SANITIZERS MATCHES "undefined")
         add_compile_options(-fno-sanitize-recover=undefined)
     endif()
