@@ -1,5 +1,6 @@
 #include "jam_format.h"
 
+#include "checksum_sink.h"
 #include "digit_text.h"
 #include "format_text.h"
 #include "jam_reader.h"
@@ -185,21 +186,6 @@ bool JAM_FORMAT::decode(const BYTE_SOURCE& file, BYTE_SINK& sink, std::string& m
     JAM_READER reader(file);
     return reader.read(message) && reader.send_stream(sink, message);
 }
-
-namespace
-{
-/// Takes what decoding gives and keeps its checksum.
-class CHECKSUM_SINK final : public BYTE_SINK
-{
-public:
-    bool write(std::span<const std::uint8_t> bytes, std::string&) override
-    {
-        crc = crc32(bytes, crc);
-        return true;
-    }
-    std::uint32_t crc = 0;
-};
-} // namespace
 
 bool JAM_FORMAT::inspect(const BYTE_SOURCE& file, FORMAT_FACTS& facts, std::string& message) const
 {

@@ -14,10 +14,16 @@ namespace
 bool write_head(const pof::KIND& kind, const FORMAT_REQUEST& request, CHUNK_WRITER& writer,
                 std::string& message)
 {
+    const std::uint64_t size = request.image->size();
+    if (size > pof::MOST_IMAGE) {
+        message = "The device " + request.device + " has " + bytes_text(size) + ", and a " + kind.name +
+                  " reaches " + bytes_text(pof::MOST_IMAGE) + "; choose another output type.";
+        return false;
+    }
     std::vector<std::uint8_t> payload;
     put_number(payload, pof::MAJOR_VERSION, 2);
     put_number(payload, pof::MINOR_VERSION, 2);
-    put_number(payload, request.image->size(), 8);
+    put_number(payload, size, 8);
     return put_text(payload, request.device, message) && writer.raw(kind.signature, message) &&
            writer.chunk(pof::HEAD, payload, {}, message);
 }

@@ -45,7 +45,8 @@ inline constexpr TAG DATA = {'D', 'A', 'T', 'A'};
 /// Last chunk: number of bytes in all DATA chunks (8), CRC-32 of the whole image with its fill (4).
 inline constexpr TAG DONE = {'D', 'O', 'N', 'E'};
 
-inline constexpr std::size_t MOST_DATA = 1024 * 1024; ///< bytes of the image in one DATA chunk
+inline constexpr std::uint64_t MOST_IMAGE = std::uint64_t(1) << 32; ///< bytes of a device
+inline constexpr std::size_t MOST_DATA = 1024 * 1024;               ///< bytes of the image in one DATA chunk
 static_assert(MOST_DATA + 8 <= MOST_CHUNK_PAYLOAD);
 /// Runs of fill shorter than this stay in the chunk: a new one would cost about as much.
 inline constexpr std::size_t SHORTEST_GAP = 4096;

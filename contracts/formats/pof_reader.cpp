@@ -1,5 +1,6 @@
 #include "pof_reader.h"
 
+#include "fill_crc.h"
 #include "flash_commands.h"
 #include "format_text.h"
 #include "jtag_program.h"
@@ -69,6 +70,10 @@ bool POF_READER::head(const CHUNK& chunk, POF_VISITOR& visitor, std::string& mes
     const std::string device = fields.text();
     if (!fields.complete_and_empty())
         return refuse("has a wrong length for a head.", message);
+    if (m_image_size > pof::MOST_IMAGE)
+        return refuse("is the head of a device with " + bytes_text(m_image_size) + "; the format reaches " +
+                          bytes_text(pof::MOST_IMAGE) + ".",
+                      message);
     return visitor.head(device, m_image_size, message);
 }
 
@@ -122,12 +127,7 @@ bool POF_READER::fill_to(std::uint64_t address, POF_VISITOR& visitor, std::strin
 {
     if (address == m_address)
         return true;
-    static const std::vector<std::uint8_t> fill(64 * 1024, 0xFF);
-    for (std::uint64_t left = address - m_address; left != 0;) {
-        const std::size_t count = static_cast<std::size_t>(std::min<std::uint64_t>(left, fill.size()));
-        m_crc = crc32({fill.data(), count}, m_crc);
-        left -= count;
-    }
+    m_crc = crc32_of_fill(m_crc, address - m_address);
     const std::uint64_t begin = m_address;
     m_address = address;
     return visitor.fill(begin, address - begin, message);

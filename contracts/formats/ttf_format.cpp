@@ -1,6 +1,7 @@
 #include "ttf_format.h"
 
 #include "block_reader.h"
+#include "checksum_sink.h"
 #include "format_text.h"
 #include "ttf_numbers.h"
 
@@ -211,23 +212,6 @@ bool TTF_FORMAT::decode(const BYTE_SOURCE& file, BYTE_SINK& sink, std::string& m
         return false;
     return decoded.empty() || sink.write(decoded, message);
 }
-
-namespace
-{
-/// Takes what decoding gives and keeps its size and checksum.
-class CHECKSUM_SINK final : public BYTE_SINK
-{
-public:
-    bool write(std::span<const std::uint8_t> bytes, std::string&) override
-    {
-        size += bytes.size();
-        crc = crc32(bytes, crc);
-        return true;
-    }
-    std::uint64_t size = 0;
-    std::uint32_t crc = 0;
-};
-} // namespace
 
 bool TTF_FORMAT::inspect(const BYTE_SOURCE& file, FORMAT_FACTS& facts, std::string& message) const
 {

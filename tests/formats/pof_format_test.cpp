@@ -210,6 +210,9 @@ TEST(pof_format, wrong_files_are_refused_with_the_place)
               "The chunk at offset 0x00000023 is a second head.");
     EXPECT_EQ(refusal(file_of({chunk("HEAD", BYTES{1, 0, 0, 0})})),
               "The chunk at offset 0x00000008 has a wrong length for a head.");
+    EXPECT_EQ(refusal(file_of({head(1, 0x100000001)})),
+              "The chunk at offset 0x00000008 is the head of a device with 4294967297 bytes; the format "
+              "reaches 4294967296 bytes.");
     EXPECT_EQ(refusal(file_of({head(1, 64), chunk("WHAT", {})})),
               "The chunk at offset 0x00000023 is of a kind that this version does not know.");
     EXPECT_EQ(refusal(file_of({head(1, 64), data(60, BYTES(5, 0))})),
@@ -262,6 +265,20 @@ TEST(pof_format, chunks_that_may_be_passed_over_are)
     const BYTES image(64, 0xFF);
     EXPECT_EQ(decode_format(POF, file_of({head(1, 64), chunk("note", bytes_of("anything")), done(image, 0)})),
               image);
+}
+
+TEST(pof_format, a_device_beyond_4_gib_is_refused)
+{
+    const PATTERN_SOURCE large(0x100000001);
+    FORMAT_REQUEST request;
+    request.image = &large;
+    request.device = "HUGE";
+    MEMORY_SINK sink;
+    std::string message;
+    EXPECT_FALSE(POF.write(request, sink, message));
+    EXPECT_EQ(message, "The device HUGE has 4294967297 bytes, and a POF reaches 4294967296 bytes; choose "
+                       "another output type.");
+    EXPECT_TRUE(sink.bytes().empty());
 }
 
 TEST(pof_format, a_name_that_is_too_long_is_refused)
