@@ -5,7 +5,8 @@
 #include "vek_db.h"
 
 #include <algorithm>
-#include <set>
+#include <string_view>
+#include <unordered_set>
 
 namespace
 {
@@ -42,7 +43,7 @@ public:
     void run()
     {
         check_mode();
-        check_element(m_setup.document(), "");
+        check_element(m_setup.document(), nullptr);
         check_ids("BITSTREAM", m_setup.bitstreams().all(), "bitstream");
         check_ids("RAW_FILE", m_setup.raw_files().all(), "raw file");
         check_ids("FLASH_DEVICE", m_setup.flash_devices().all(), "flash device");
@@ -72,38 +73,53 @@ private:
         return join_words(words);
     }
 
-    void check_element(const PGM_COMMON_XML_ELEMENT& element, const std::string& parent)
+    /// An element on the way down the document; its label is made only for a finding.
+    struct PLACE {
+        const PLACE* parent;
+        const PGM_COMMON_XML_ELEMENT& element;
+        const PGM_COMMON_XML_ELEMENT_DESCRIPTOR& descriptor;
+
+        std::string label() const
+        {
+            const std::string own =
+                element_label(PGM_COMMON_XML_ENUM_STRING[element.m_class_type], id_of(element, descriptor));
+            // The root and the groups say nothing that their children do not say.
+            return parent == nullptr || parent->is_group() ? own : parent->label() + " / " + own;
+        }
+        bool is_group() const
+        {
+            return descriptor.kind == PGM_COMMON_XML_ENUM_VEK ||
+                   (descriptor.attributes.empty() && descriptor.text_type == PGM_XML_TYPE_NONE);
+        }
+    };
+
+    void check_element(const PGM_COMMON_XML_ELEMENT& element, const PLACE* parent)
     {
         const PGM_COMMON_XML_ELEMENT_DESCRIPTOR* descriptor =
             pgm_common_xml_vek_find_element(element.m_class_type);
         if (descriptor == nullptr) {
             return;
         }
-        const std::string own =
-            element_label(PGM_COMMON_XML_ENUM_STRING[element.m_class_type], id_of(element, *descriptor));
-        // The root and the groups say nothing that their children do not say.
-        const bool is_group = descriptor->kind == PGM_COMMON_XML_ENUM_VEK ||
-                              (descriptor->attributes.empty() && descriptor->text_type == PGM_XML_TYPE_NONE);
-        const std::string label = parent.empty() ? own : parent + " / " + own;
+        const PLACE place{parent, element, *descriptor};
         int index = 0;
         for (const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& attribute : descriptor->attributes) {
             const std::string& value = pgm_common_xml_read(element, index++);
             const std::string wanted = wanted_value(attribute, value);
             if (!wanted.empty()) {
-                m_findings.add(FINDING_VALUE_ILLEGAL, label,
+                m_findings.add(FINDING_VALUE_ILLEGAL, place.label(),
                                "The attribute \"" + std::string(attribute.name) + "\" is \"" + value +
                                    "\"; it must be " + wanted + ".");
             }
         }
         for (const PGM_COMMON_XML_ELEMENT* child : element.m_childs) {
-            check_element(*child, is_group ? "" : label);
+            check_element(*child, &place);
         }
     }
 
     template <class ELEMENT>
     void check_ids(const char* name, const std::vector<const ELEMENT*>& elements, const char* words)
     {
-        std::set<std::string> seen;
+        std::unordered_set<std::string_view> seen;
         for (const ELEMENT* element : elements) {
             if (element->id.empty()) {
                 m_findings.add(FINDING_ID_MISSING, name,
@@ -128,13 +144,13 @@ private:
 
     void check_output_types()
     {
-        std::set<std::string> types;
+        std::unordered_set<std::string_view> types;
         for (const PGM_COMMON_XML_VEK_OUTPUT_FILE* output : m_setup.output_files()) {
             if (!types.insert(output->type).second) {
                 m_findings.add(FINDING_OUTPUT_DUPLICATE, output_label(*output),
                                "The setup has two output files of this type; remove one.");
             }
-            std::set<std::string> secondary_types;
+            std::unordered_set<std::string_view> secondary_types;
             for (const PGM_COMMON_XML_VEK_SECONDARY_FILE* secondary : output->secondary_file) {
                 if (!secondary_types.insert(secondary->type).second) {
                     m_findings.add(FINDING_OUTPUT_DUPLICATE,
@@ -155,24 +171,24 @@ private:
 
     void check_assignments()
     {
-        std::set<std::string> seen;
+        std::unordered_set<std::string_view> seen;
         for (const PGM_COMMON_XML_VEK_ASSIGNMENT* assignment : m_setup.assignments().all()) {
-            const std::string label = element_label("ASSIGNMENT", assignment->partition_id);
+            const auto label = [assignment] { return element_label("ASSIGNMENT", assignment->partition_id); };
             if (!seen.insert(assignment->partition_id).second) {
-                m_findings.add(FINDING_ASSIGNMENT_DUPLICATE, label,
+                m_findings.add(FINDING_ASSIGNMENT_DUPLICATE, label(),
                                "Two assignments are for this partition; remove one.");
             }
             if (m_setup.partitions().find(assignment->partition_id) == nullptr) {
-                unresolved(label, "partition", assignment->partition_id);
+                unresolved(label(), "partition", assignment->partition_id);
             }
             for (const PGM_COMMON_XML_VEK_BITSTREAM_ID* id : assignment->bitstream_id) {
                 if (m_setup.bitstreams().find(id->text) == nullptr) {
-                    unresolved(label, "bitstream", id->text);
+                    unresolved(label(), "bitstream", id->text);
                 }
             }
             for (const PGM_COMMON_XML_VEK_RAW_FILE_ID* id : assignment->raw_file_id) {
                 if (m_setup.raw_files().find(id->text) == nullptr) {
-                    unresolved(label, "raw file", id->text);
+                    unresolved(label(), "raw file", id->text);
                 }
             }
         }
