@@ -320,6 +320,31 @@ TEST(generate, a_secure_family_gets_its_boot_layout)
     EXPECT_EQ(decode_map(read_file(setup.path("out_secondary.map"))).rows.size(), 8U);
 }
 
+TEST(generate, the_key_partition_of_a_secure_family_holds_its_raw_files_as_they_are)
+{
+    SETUP_BUILDER setup("ASX4");
+    setup.bitstream("Bitstream_1", small("ZR9A012", 1));
+    setup.raw_file("Raw_File_1", "PUF", "helper.puf", "puf helper data");
+    setup.raw_file("Raw_File_2", "WKEY", "wrapped.wkey", "wrapped key");
+    setup.flash("Flash_Device_1", "W25Q128JV");
+    setup.reserved("Flash_Device_1", false, true);
+    setup.partition("Flash_Device_1", "P1");
+    setup.assign("P1", "Bitstream_1", "0");
+    setup.set(VEK_CMD_OPT_ASSIGNMENT, {{VEK_CMD_PARAM_ASSIGNMENT_PARTITION_ID, "PUF"},
+                                       {VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, "Raw_File_1"},
+                                       {VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, "Raw_File_2"}});
+    setup.output("RPD", {}, "Flash_Device_1", {"MAP"});
+    expect_generates(setup);
+    const DECODED_MAP map = decode_map(read_file(setup.path("out_secondary.map")));
+    const auto row = std::find_if(map.rows.begin(), map.rows.end(),
+                                  [](const auto& candidate) { return candidate.at("Partition") == "PUF"; });
+    ASSERT_NE(row, map.rows.end());
+    const BYTES image = read_file(setup.path("out.rpd"));
+    const auto start =
+        image.begin() + static_cast<std::ptrdiff_t>(std::stoull(row->at("Start"), nullptr, 16));
+    EXPECT_EQ(std::string(start, start + 26), "puf helper datawrapped key");
+}
+
 TEST(generate, parallel_flash_gets_a_page_table)
 {
     SETUP_BUILDER setup("PS");
