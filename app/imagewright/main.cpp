@@ -2,6 +2,7 @@
 #include "mok_app.h"
 #include "mok_frame_wnd.h"
 #include "mok_ui_mgr.h"
+#include "open_file_limit.h"
 #include "thr_drl.h"
 
 #include <QApplication>
@@ -144,6 +145,7 @@ int main(int argc, char** argv)
             return EXIT_OK;
         }
     }
+    raise_open_file_limit();
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);
