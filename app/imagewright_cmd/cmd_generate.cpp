@@ -1,76 +1,89 @@
-#include "arguments.h"
-#include "check.h"
 #include "command.h"
 #include "commands.h"
-#include "findings_report.h"
-#include "generate_job.h"
-#include "progress_bar.h"
+#include "fleet.h"
+#include "generate_run.h"
 #include "setup_argument.h"
-#include "vek_db.h"
-#include "vek_file_assistant.h"
+
+#include <filesystem>
 
 namespace
 {
 
-/// generate: writes the output files of a setup.
+/// generate: writes the output files of setups.
 class CMD_GENERATE final : public COMMAND
 {
 public:
     CLI::App* declare(CLI::App& application) override
     {
-        CLI::App* command = application.add_subcommand("generate", "Write the output files of a setup");
-        command->add_option("setup", m_setup, "Setup file (.vek)")->type_name("SETUP")->required();
+        CLI::App* command = application.add_subcommand("generate", "Write the output files of setups");
+        command->add_option("setups", m_setups, "Setup files (.vek); a directory stands for all setups in it")
+            ->type_name("SETUP")
+            ->required();
         command
-            ->add_option("--output-directory", m_directory,
-                         "Write all files here instead of where the setup says")
+            ->add_option("--output-directory", m_fleet.output_directory,
+                         "Write all files here instead of where the setups say")
             ->type_name("DIR");
-        command->footer("Example:\n  imagewright-cmd generate board.vek --output-directory /srv/line-3");
+        command
+            ->add_option(
+                "-j,--jobs", m_fleet.jobs,
+                "Work on so many setups and files at once; without it on as many as the machine runs")
+            ->type_name("N")
+            ->check(CLI::Range(1U, 1024U));
+        command
+            ->add_option("--shard", m_shard,
+                         "Take the Ith of N equal parts of the sorted list of setups, for runs on several "
+                         "machines")
+            ->type_name("I/N");
+        command->footer("Examples:\n"
+                        "  imagewright-cmd generate board.vek --output-directory /srv/line-3\n"
+                        "  imagewright-cmd generate units/ --jobs 8 --json\n"
+                        "  imagewright-cmd generate units/ --shard 2/5");
         return command;
     }
 
     EXIT_CODE execute(const COMMAND_CONTEXT& context) override
     {
-        std::unique_ptr<PGM_COMMON_XML_VEK_VEK> document;
+        std::error_code error;
+        if (m_shard.empty() && m_setups.size() == 1 &&
+            !std::filesystem::is_directory(m_setups.front(), error)) {
+            return generate_one(context, m_setups.front());
+        }
+        SHARD shard;
         std::string message;
-        if (!open_setup(m_setup, document, message)) {
+        if (!m_shard.empty() && !parse_shard(m_shard, shard, message)) {
+            context.fail(message);
+            return EXIT_CODE_USAGE;
+        }
+        std::vector<std::string> setups;
+        if (!list_setups(m_setups, setups, message)) {
             context.fail(message);
             return EXIT_CODE_INPUT_UNREADABLE;
         }
-        FINDINGS findings;
-        check_setup(*document, true, m_directory, findings);
-        if (!findings.can_generate()) {
-            context.fail_with(findings_json(m_setup, findings), findings_text(m_setup, findings));
-            return EXIT_CODE_REFUSED;
-        }
-        return generate(context, *document);
+        return generate_fleet(context, shard_of(setups, shard), m_fleet);
     }
 
 private:
-    EXIT_CODE generate(const COMMAND_CONTEXT& context, const PGM_COMMON_XML_VEK_VEK& document) const
+    EXIT_CODE generate_one(const COMMAND_CONTEXT& context, const std::string& setup) const
     {
+        std::unique_ptr<PGM_COMMON_XML_VEK_VEK> document;
+        std::string message;
+        if (!open_setup(setup, document, message)) {
+            context.fail(message);
+            return EXIT_CODE_INPUT_UNREADABLE;
+        }
         GENERATE_OPTIONS options;
-        options.output_directory = m_directory;
-        std::vector<WRITTEN_FILE> written;
-        bool complete = false;
-        {
-            const PROGRESS_BAR bar(!context.quiet && !context.json);
-            complete = generate_document(document, options, written);
-        }
-        JSON files = JSON::array();
-        std::string text;
-        for (const WRITTEN_FILE& file : written) {
-            files.push_back(
-                {{"file", file.path},
-                 {"type", VEK_FILE_ASSISTANT::convert_xml_enum_to_string(VEK_DB::get_xml_enum(file.type))},
-                 {"bytes", file.size}});
-            text += "Wrote " + file.path + ", " + bytes_text(file.size) + ".\n";
-        }
-        context.print(JSON{{"setup", m_setup}, {"complete", complete}, {"files", std::move(files)}}, text);
-        return complete ? EXIT_CODE_DONE : EXIT_CODE_OUTPUT_NOT_WRITTEN;
+        options.output_directory = m_fleet.output_directory;
+        options.threads = m_fleet.jobs;
+        GENERATE_RUN run(*document, setup, options);
+        run.check();
+        run.generate(!context.quiet && !context.json);
+        run.print(context);
+        return run.exit_code();
     }
 
-    std::string m_setup;
-    std::string m_directory;
+    std::vector<std::string> m_setups;
+    FLEET_OPTIONS m_fleet;
+    std::string m_shard;
 };
 
 } // namespace

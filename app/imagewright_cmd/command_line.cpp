@@ -18,8 +18,11 @@ constexpr const char* FOOTER =
     "  imagewright-cmd list devices --json\n"
     "  imagewright-cmd sample --device BS1L40 --seed 1 -o top.sof\n"
     "  imagewright-cmd generate board.vek\n"
+    "  imagewright-cmd -c top.sof -o top.rbf\n"
     "\n"
-    "Exit codes: 0 done, 1 refused by a check, 2 wrong usage, 3 input unreadable,\n"
+    "-c, --convert in the place of a command is convert.\n"
+    "\n"
+    "Exit codes: 0 done, 1 refused by check or verify, 2 wrong usage, 3 input unreadable,\n"
     "4 output not written.";
 
 /// The options that stand before or behind every subcommand.
@@ -61,6 +64,22 @@ EXIT_CODE execute_chosen(const std::vector<std::pair<CLI::App*, COMMAND*>>& comm
         }
     }
     return EXIT_CODE_USAGE;
+}
+
+/// -c and --convert in the place of a command stand for it.
+std::vector<std::string> with_convert_spelled_out(std::vector<std::string> arguments)
+{
+    for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+        if (*argument == "-c" || *argument == "--convert") {
+            *argument = "convert";
+            break;
+        }
+        const bool takes_value = *argument == "-C" || *argument == "--directory";
+        if (!argument->starts_with('-') || (takes_value && ++argument == arguments.end())) {
+            break;
+        }
+    }
+    return arguments;
 }
 
 } // namespace
@@ -125,7 +144,8 @@ EXIT_CODE run_command_line(const std::vector<std::string>& arguments, std::ostre
 
     try {
         // The library wants the arguments last first.
-        application.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        const std::vector<std::string> words = with_convert_spelled_out(arguments);
+        application.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     } catch (const CLI::ParseError& error) {
         return application.exit(error, out, err) == 0 ? EXIT_CODE_DONE : EXIT_CODE_USAGE;
     }

@@ -10,10 +10,20 @@ bool open_setup(const std::string& path, std::unique_ptr<PGM_COMMON_XML_VEK_VEK>
     if (!read_setup_file(path, document, message)) {
         return false;
     }
+    GFPDB_MGR::set_db_custom_dir(flash_database_of(*document));
+    return true;
+}
+
+std::string flash_database_of(const PGM_COMMON_XML_VEK_VEK& document)
+{
     std::string directory;
-    if (!VEK_FILE_ASSISTANT::get_custom_db_dir(document.get(), directory) || directory.empty()) {
+    if (!VEK_FILE_ASSISTANT::get_custom_db_dir(&document, directory) || directory.empty()) {
         directory = GFPDB_MGR::get_custom_dir_from_ini();
     }
-    GFPDB_MGR::set_db_custom_dir(directory);
-    return true;
+    return directory;
+}
+
+void use_own_flash_database()
+{
+    GFPDB_MGR::set_db_custom_dir(GFPDB_MGR::get_custom_dir_from_ini());
 }

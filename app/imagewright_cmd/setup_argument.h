@@ -11,4 +11,10 @@
 bool open_setup(const std::string& path, std::unique_ptr<PGM_COMMON_XML_VEK_VEK>& document,
                 std::string& message);
 
+/// The directory of the flash database that a setup names, or else the user's own.
+std::string flash_database_of(const PGM_COMMON_XML_VEK_VEK& document);
+
+/// Brings the user's own flash database into force, for commands that work without a setup.
+void use_own_flash_database();
+
 #endif

@@ -30,13 +30,14 @@ TEST(help, lists_every_command_with_examples_and_exit_codes)
 {
     const ANSWER answer = run({"--help"});
     EXPECT_EQ(answer.exit_code, EXIT_CODE_DONE);
-    for (const std::string command : {"generate", "check", "show", "inspect", "pack", "sample", "list"}) {
+    for (const std::string command : {"generate", "convert", "check", "show", "edit", "verify", "map",
+                                      "inspect", "pack", "sample", "list", "completion"}) {
         EXPECT_THAT(answer.out, HasSubstr("\n  " + command + " "));
         const ANSWER help = run({command, "--help"});
         EXPECT_EQ(help.exit_code, EXIT_CODE_DONE);
         EXPECT_THAT(help.out, HasSubstr("Example"));
     }
-    EXPECT_THAT(answer.out, HasSubstr("Exit codes: 0 done, 1 refused by a check, 2 wrong usage"));
+    EXPECT_THAT(answer.out, HasSubstr("Exit codes: 0 done, 1 refused by check or verify, 2 wrong usage"));
 }
 
 TEST(help, examples_of_sample_and_pack_name_a_device_that_exists)
@@ -288,7 +289,8 @@ TEST_F(SETUP, samples_of_one_seed_are_equal_and_of_two_differ)
 TEST(command_line_page, names_every_command_and_exit_code)
 {
     const std::string page = read_text_file(IMAGEWRIGHT_SOURCE_DIR "/docs/command-line.md");
-    for (const std::string command : {"generate", "check", "show", "inspect", "pack", "sample", "list"}) {
+    for (const std::string command : {"generate", "convert", "check", "show", "edit", "verify", "map",
+                                      "inspect", "pack", "sample", "list", "completion"}) {
         EXPECT_THAT(page, HasSubstr("| `" + command + " "));
     }
     for (const std::string code : {"| 0 |", "| 1 |", "| 2 |", "| 3 |", "| 4 |"}) {

@@ -1,0 +1,464 @@
+#include "conversion.h"
+
+#include "bitstream_file.h"
+#include "fio_path.h"
+#include "inspect.h"
+#include "parameter_text.h"
+#include "partition_rules.h"
+#include "pgm_device.h"
+#include "precheck.h"
+#include "scheme_words.h"
+#include "setup_inputs.h"
+#include "setup_view.h"
+#include "value_rules.h"
+#include "vek_db.h"
+#include "vek_file_assistant.h"
+#include "vek_util.h"
+
+#include <algorithm>
+
+namespace
+{
+
+using PARAMS = VEK_FILE_ASSISTANT::PARAMS;
+
+std::string word_of(VEK_FILE_TYPE type)
+{
+    return VEK_FILE_ASSISTANT::convert_xml_enum_to_string(VEK_DB::get_xml_enum(type));
+}
+
+/// Whether a file of the type can be asked for by itself.
+bool is_offered(VEK_FILE_TYPE type)
+{
+    return VEK_DB::get_enabled(type) && !VEK_DB::get_virtual_type(type) && !VEK_DB::get_secondary(type);
+}
+
+class CONVERTER
+{
+public:
+    CONVERTER(const CONVERSION_REQUEST& request, std::string& message, CONVERSION_FAILURE& failure)
+        : m_request(request), m_message(message), m_failure(failure),
+          m_document(std::make_unique<PGM_COMMON_XML_VEK_VEK>(PGM_COMMON_XML_ENUM_VEK))
+    {
+    }
+
+    std::unique_ptr<PGM_COMMON_XML_VEK_VEK> run()
+    {
+        const bool made =
+            find_type() && read_inputs() && find_mode() && add_output() && add_flash() && add_options();
+        return made ? std::move(m_document) : nullptr;
+    }
+
+private:
+    struct RAW_INPUT {
+        std::string path;
+        std::string word;
+    };
+
+    bool fail(CONVERSION_FAILURE failure, const std::string& sentence)
+    {
+        m_failure = failure;
+        m_message = sentence;
+        return false;
+    }
+
+    bool usage(const std::string& sentence) { return fail(CONVERSION_FAILURE::USAGE, sentence); }
+
+    bool set(PGM_COMMON_XML_VEK_CMD_OPT_ENUM option, const PARAMS& params)
+    {
+        const std::string refusal = explain_refusal(option, params, true);
+        if (!refusal.empty()) {
+            return usage(refusal);
+        }
+        return VEK_FILE_ASSISTANT::set(m_document.get(), option, params) ||
+               usage(std::string("The values of ") + PGM_COMMON_XML_VEK_CMD_OPT[option] +
+                     " do not go together.");
+    }
+
+    bool find_type()
+    {
+        std::vector<std::string> words;
+        const FIO_EXTENSION_TYPE extension = fio_get_extension_type(FIO_PATH(m_request.output).extension());
+        for (const VEK_FILE_TYPE type : VEK_DB::get_all_output_file_type_keys()) {
+            if (!is_offered(type)) {
+                continue;
+            }
+            words.push_back(word_of(type));
+            if (m_type == VEK_INVALID_FILE_TYPE &&
+                (m_request.type.empty()
+                     ? extension != FIO_INVALID_EXTENSION && VEK_DB::get_fio_ext_enum(type) == extension
+                     : m_request.type == words.back())) {
+                m_type = type;
+            }
+        }
+        if (m_type == VEK_INVALID_FILE_TYPE) {
+            return usage((m_request.type.empty()
+                              ? "The extension of " + m_request.output + " stands for no output type"
+                              : "\"" + m_request.type + "\" is no output type") +
+                         "; name one behind --type: " + join_words(words) + ".");
+        }
+        const std::string wanted = fio_get_extension_string(VEK_DB::get_fio_ext_enum(m_type));
+        if (!FIO_PATH(m_request.output).filename().ends_with(wanted)) {
+            return usage("Files of the type " + word_of(m_type) + " end in " + wanted + "; give " +
+                         m_request.output + " that ending.");
+        }
+        return true;
+    }
+
+    bool read_inputs()
+    {
+        for (const std::string& path : m_request.inputs) {
+            INSPECTED_KIND kind = INSPECTED_KIND::OTHER;
+            if (!identify_file(path, kind, m_message)) {
+                return fail(CONVERSION_FAILURE::INPUT, m_message);
+            }
+            const std::string raw_word = raw_file_word(path);
+            const bool is_read = kind == INSPECTED_KIND::BITSTREAM || raw_word.empty()
+                                     ? add_bitstream(path)
+                                     : add_raw_file(path, raw_word);
+            if (!is_read) {
+                return false;
+            }
+        }
+        if (takes_flash_device(m_type) || m_raw_files.empty()) {
+            return true;
+        }
+        return usage("Files of the type " + word_of(m_type) + " are made from bitstreams, and " +
+                     m_raw_files.front().path +
+                     " is a raw file; imagewright-cmd pack makes a bitstream of it.");
+    }
+
+    bool add_bitstream(const std::string& path)
+    {
+        std::string name;
+        const PGM_DEVICE* device = nullptr;
+        if (!precheck_bitstream_file(absolute_path(path), true, &device, name, m_message)) {
+            return fail(CONVERSION_FAILURE::INPUT, m_message);
+        }
+        if (m_device == nullptr) {
+            m_device = device;
+            const auto file = BITSTREAM_FILE::open(absolute_path(path), m_message);
+            if (file && file->scheme()) {
+                m_scheme = static_cast<PGMIO_CONFIG_SCHEME>(*file->scheme());
+            }
+        }
+        m_bitstreams.push_back(free_id(BITSTREAM_ID_PREFIX, m_bitstreams));
+        return set(VEK_CMD_OPT_BITSTREAM,
+                   {{VEK_CMD_PARAM_BITSTREAM_ID, m_bitstreams.back()}, {VEK_CMD_PARAM_BITSTREAM_PATH, path}});
+    }
+
+    bool add_raw_file(const std::string& path, const std::string& word)
+    {
+        m_raw_files.push_back({path, word});
+        return set(VEK_CMD_OPT_RAW_FILE,
+                   {{VEK_CMD_PARAM_RAW_FILE_ID, RAW_FILE_ID_PREFIX + std::to_string(m_raw_files.size())},
+                    {VEK_CMD_PARAM_RAW_FILE_TYPE, word},
+                    {VEK_CMD_PARAM_RAW_FILE_RAW_FILE, path}});
+    }
+
+    /// The mode that was asked for, that of the bitstream, or the first that goes with family and type.
+    bool find_mode()
+    {
+        if (!m_request.mode.empty() && !scheme_from_word(m_request.mode, m_mode)) {
+            return usage("\"" + m_request.mode + "\" is no configuration mode; use one of " +
+                         join_words(mode_words()) + ".");
+        }
+        if (m_mode == PGMIO_CONFIG_SCHEME_ILLEGAL && m_scheme != PGMIO_CONFIG_SCHEME_ILLEGAL) {
+            m_mode = m_scheme;
+        }
+        const bool is_onchip =
+            m_mode >= PGMIO_CONFIG_SCHEME_INTERNAL && m_mode <= PGMIO_CONFIG_SCHEME_DUAL_COMPRESSED_IMAGES;
+        m_mode = is_onchip ? PGMIO_CONFIG_SCHEME_INTERNAL : m_mode;
+        if (m_mode == PGMIO_CONFIG_SCHEME_ILLEGAL) {
+            m_mode = first_mode();
+        }
+        const auto modes = VEK_DB_UTIL::get_enabled_config_modes();
+        if (std::find(modes.begin(), modes.end(), m_mode) == modes.end()) {
+            return usage("The mode cannot be found out from the inputs; name one behind --mode: " +
+                         join_words(mode_words()) + ".");
+        }
+        return set(VEK_CMD_OPT_SETTINGS,
+                   {{VEK_CMD_PARAM_SETTINGS_MODE,
+                     VEK_FILE_ASSISTANT::convert_xml_enum_to_string(VEK_DB::get_xml_enum(m_mode))}});
+    }
+
+    static std::vector<std::string> mode_words()
+    {
+        std::vector<std::string> words;
+        for (const PGMIO_CONFIG_SCHEME mode : VEK_DB_UTIL::get_enabled_config_modes()) {
+            words.push_back(VEK_FILE_ASSISTANT::convert_xml_enum_to_string(VEK_DB::get_xml_enum(mode)));
+        }
+        return words;
+    }
+
+    PGMIO_CONFIG_SCHEME first_mode() const
+    {
+        unsigned mask_a = 0;
+        unsigned mask_b = 0;
+        unsigned outputs = 0;
+        if (m_device != nullptr) {
+            VEK_UTIL::get_family_pcf_info(m_device->family, m_device->device, mask_a, mask_b, outputs);
+        } else {
+            mask_a = ~0U;
+        }
+        const PGM_DEVICE* flash = PGM_DEVICE_INDEX::find_by_name(m_request.flash_device);
+        for (const PGMIO_CONFIG_SCHEME mode : VEK_DB_UTIL::get_enabled_config_modes()) {
+            const auto families = VEK_DB::get_config_device_family(mode);
+            const bool reads_flash = flash == nullptr || std::find(families.begin(), families.end(),
+                                                                   flash->family) != families.end();
+            if (((mask_a | mask_b) >> (mode % 32) & 1U) != 0 && reads_flash &&
+                VEK_DB::supports_output_file_type(mode, m_type)) {
+                return mode;
+            }
+        }
+        return PGMIO_CONFIG_SCHEME_ILLEGAL;
+    }
+
+    bool add_output()
+    {
+        const FIO_PATH path(m_request.output);
+        const std::string name = path.filename();
+        const std::string extension = fio_get_extension_string(VEK_DB::get_fio_ext_enum(m_type));
+        const std::string directory = path.full_directory();
+        PARAMS params{{VEK_CMD_PARAM_OUTPUT_FILE_TYPE, word_of(m_type)},
+                      {VEK_CMD_PARAM_OUTPUT_FILE_NAME, name.substr(0, name.size() - extension.size())},
+                      {VEK_CMD_PARAM_OUTPUT_FILE_DIRECTORY, directory.empty() ? "." : directory}};
+        if (!takes_flash_device(m_type)) {
+            if (m_bitstreams.empty()) {
+                return usage("No input is a bitstream; name one.");
+            }
+            for (const std::string& id : m_bitstreams) {
+                params.emplace_back(VEK_CMD_PARAM_OUTPUT_FILE_BITSTREAM_ID, id);
+            }
+        } else {
+            params.emplace_back(VEK_CMD_PARAM_OUTPUT_FILE_FLASH_DEVICE_ID, flash_id());
+        }
+        return set(VEK_CMD_OPT_OUTPUT_FILE, params);
+    }
+
+    static std::string flash_id() { return free_id(FLASH_DEVICE_ID_PREFIX, {}); }
+
+    bool add_flash()
+    {
+        if (!takes_flash_device(m_type)) {
+            return m_request.flash_device.empty() ||
+                   usage("Files of the type " + word_of(m_type) +
+                         " are made without a flash device; leave --device out.");
+        }
+        const bool is_onchip = m_device != nullptr && m_device->family == DEV_FAMILY_ONCHIP_FLASH;
+        const std::string device = !m_request.flash_device.empty() ? m_request.flash_device
+                                   : is_onchip                     ? m_device->user_name()
+                                                                   : "";
+        if (PGM_DEVICE_INDEX::find_by_name(device) == nullptr) {
+            return usage(device.empty() ? "Files of the type " + word_of(m_type) +
+                                              " are made from a flash device; name "
+                                              "it behind --device."
+                                        : "\"" + device +
+                                              "\" is not in the device database; imagewright-cmd list flash "
+                                              "shows what is.");
+        }
+        return set(VEK_CMD_OPT_FLASH_DEVICE, {{VEK_CMD_PARAM_FLASH_DEVICE_ID, flash_id()},
+                                              {VEK_CMD_PARAM_FLASH_DEVICE_TYPE, device}}) &&
+               add_loader() && add_reserved() && add_own();
+    }
+
+    bool add_loader()
+    {
+        std::string loader = m_request.flash_loader;
+        if (loader.empty() && VEK_DB::get_require_flash_loader(m_type) && m_device != nullptr) {
+            loader = m_device->user_name();
+        }
+        return loader.empty() ||
+               set(VEK_CMD_OPT_FLASH_LOADER, {{VEK_CMD_PARAM_FLASH_LOADER_FLASH_LOADER, loader}});
+    }
+
+    /// On-chip flash is laid out by what the bitstream holds.
+    PGMIO_CONFIG_SCHEME layout_mode() const
+    {
+        return m_mode == PGMIO_CONFIG_SCHEME_INTERNAL && m_scheme != PGMIO_CONFIG_SCHEME_ILLEGAL ? m_scheme
+                                                                                                 : m_mode;
+    }
+
+    DEV_FAMILY_ENUM family() const { return m_device != nullptr ? m_device->family : DEV_FAMILY_NONE; }
+
+    bool add_reserved()
+    {
+        const bool has_puf = std::any_of(m_raw_files.begin(), m_raw_files.end(), [](const RAW_INPUT& file) {
+            return file.word == VEK_FILE_ASSISTANT::convert_xml_enum_to_string(PGM_COMMON_XML_ENUM_PUF);
+        });
+        std::size_t next = 0;
+        for (const VEK_UTIL_PARTITION_INFO& partition : VEK_UTIL::get_reserved_partitions(
+                 layout_mode(), family(), m_device != nullptr ? m_device->device : DEV_DEVICE_NONE,
+                 m_bitstreams.size() >= 2, has_puf, FIO_INVALID_FILE)) {
+            const auto flag = VEK_FILE_ASSISTANT::convert_bool_to_string;
+            const PARAMS params{
+                {VEK_CMD_PARAM_FLASH_DEVICE_ID, flash_id()},
+                {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_ID, partition.name},
+                {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_RESERVED, flag(true)},
+                {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_FIXED_S_ADDR, flag(partition.fixed_start)},
+                {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_FIXED_E_ADDR, flag(partition.fixed_end)},
+                {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_S_ADDR, partition.start},
+                {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_E_ADDR, partition.end}};
+            if (!set(VEK_CMD_OPT_FLASH_DEVICE, params) || !assign_reserved(partition.name, next)) {
+                return false;
+            }
+        }
+        m_placed = next;
+        return true;
+    }
+
+    /// `next`: the first bitstream that has no place yet.
+    bool assign_reserved(const std::string& partition, std::size_t& next)
+    {
+        if (partition == "BOOT_INFO") {
+            return assign(partition, VEK_CMD_PARAM_ASSIGNMENT_BITSTREAM_ID, m_bitstreams.front(), "");
+        }
+        if (partition == "PUF") {
+            return assign_raw_files(partition, true);
+        }
+        const bool holds_image = partition == "FACTORY_IMAGE" || partition == "CFM0" || partition == "CFM1";
+        if (!holds_image || next == m_bitstreams.size()) {
+            return true;
+        }
+        const bool has_page = partition_rule_has_page(partition, layout_mode(), family());
+        const std::string page = has_page ? std::to_string(next) : "";
+        return assign(partition, VEK_CMD_PARAM_ASSIGNMENT_BITSTREAM_ID, m_bitstreams[next++], page);
+    }
+
+    bool assign(const std::string& partition, PGM_COMMON_XML_VEK_CMD_PARAM_ENUM kind, const std::string& id,
+                const std::string& page)
+    {
+        PARAMS params{{VEK_CMD_PARAM_ASSIGNMENT_PARTITION_ID, partition}, {kind, id}};
+        if (!page.empty()) {
+            params.emplace_back(VEK_CMD_PARAM_ASSIGNMENT_PAGE, page);
+        }
+        return set(VEK_CMD_OPT_ASSIGNMENT, params);
+    }
+
+    static bool goes_with_puf(const RAW_INPUT& file)
+    {
+        return file.word == VEK_FILE_ASSISTANT::convert_xml_enum_to_string(PGM_COMMON_XML_ENUM_PUF) ||
+               file.word == VEK_FILE_ASSISTANT::convert_xml_enum_to_string(PGM_COMMON_XML_ENUM_WKEY);
+    }
+
+    bool assign_raw_files(const std::string& partition, bool with_puf)
+    {
+        PARAMS params{{VEK_CMD_PARAM_ASSIGNMENT_PARTITION_ID, partition}};
+        for (std::size_t i = 0; i < m_raw_files.size(); ++i) {
+            if (goes_with_puf(m_raw_files[i]) == with_puf) {
+                params.emplace_back(VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID,
+                                    RAW_FILE_ID_PREFIX + std::to_string(i + 1));
+            }
+        }
+        return set(VEK_CMD_OPT_ASSIGNMENT, params);
+    }
+
+    /// A partition for each input that has no place yet.
+    bool add_own()
+    {
+        for (; m_placed < m_bitstreams.size(); ++m_placed) {
+            const std::string name = "P" + std::to_string(++m_own);
+            if (!add_partition(name) || !assign(name, VEK_CMD_PARAM_ASSIGNMENT_BITSTREAM_ID,
+                                                m_bitstreams[m_placed], std::to_string(m_placed))) {
+                return false;
+            }
+        }
+        for (std::size_t i = 0; i < m_raw_files.size(); ++i) {
+            const bool is_placed =
+                goes_with_puf(m_raw_files[i]) &&
+                VEK_FILE_ASSISTANT::get_assignment_element(m_document.get(), "PUF") != nullptr;
+            const std::string name = "D" + std::to_string(i + 1);
+            if (!is_placed &&
+                (!add_partition(name) || !assign(name, VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID,
+                                                 RAW_FILE_ID_PREFIX + std::to_string(i + 1), ""))) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool add_partition(const std::string& name)
+    {
+        return set(VEK_CMD_OPT_FLASH_DEVICE, {{VEK_CMD_PARAM_FLASH_DEVICE_ID, flash_id()},
+                                              {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_ID, name},
+                                              {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_S_ADDR, "auto"},
+                                              {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_E_ADDR, "auto"}});
+    }
+
+    bool add_options()
+    {
+        for (const std::string& word : m_request.options) {
+            PARAMS::value_type pair;
+            if (!param_from_qualified_word(word, pair, m_message)) {
+                return usage(m_message);
+            }
+            if (!add_option(pair)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    /// An option holds for all elements of its kind that the conversion has.
+    bool add_option(const PARAMS::value_type& pair)
+    {
+        switch (pgm_common_xml_vek_cmd_opt_of(pair.first)) {
+        case VEK_CMD_OPT_SETTINGS:
+            return set(VEK_CMD_OPT_SETTINGS, {pair});
+        case VEK_CMD_OPT_OUTPUT_FILE:
+            return set(VEK_CMD_OPT_OUTPUT_FILE, {{VEK_CMD_PARAM_OUTPUT_FILE_TYPE, word_of(m_type)}, pair});
+        case VEK_CMD_OPT_BITSTREAM:
+            for (const PGM_COMMON_XML_VEK_BITSTREAM* bitstream :
+                 VEK_FILE_ASSISTANT::get_bitstream_elements(m_document.get())) {
+                if (!set(VEK_CMD_OPT_BITSTREAM,
+                         {{VEK_CMD_PARAM_BITSTREAM_ID, bitstream->id},
+                          {VEK_CMD_PARAM_BITSTREAM_PATH, bitstream->path.front()->text},
+                          pair})) {
+                    return false;
+                }
+            }
+            return true;
+        case VEK_CMD_OPT_RAW_FILE:
+            for (const std::string& id : VEK_FILE_ASSISTANT::get_raw_file_ids(m_document.get())) {
+                if (!set(VEK_CMD_OPT_RAW_FILE, {{VEK_CMD_PARAM_RAW_FILE_ID, id}, pair})) {
+                    return false;
+                }
+            }
+            return true;
+        case VEK_CMD_OPT_FLASH_DEVICE:
+            return takes_flash_device(m_type)
+                       ? set(VEK_CMD_OPT_FLASH_DEVICE, {{VEK_CMD_PARAM_FLASH_DEVICE_ID, flash_id()}, pair})
+                       : usage(std::string(PGM_COMMON_XML_VEK_CMD_PARAM[pair.first]) +
+                               " belongs to a flash device, and this conversion has none.");
+        case VEK_CMD_OPT_FLASH_LOADER:
+            return set(VEK_CMD_OPT_FLASH_LOADER, {pair});
+        case VEK_CMD_OPT_ASSIGNMENT:
+        case VEK_CMD_OPT_INVALID:
+        case VEK_CMD_OPT_MAX:
+            break;
+        }
+        return usage(std::string(PGM_COMMON_XML_VEK_CMD_PARAM[pair.first]) +
+                     " belongs to one assignment; keep the setup with --save and use imagewright-cmd edit.");
+    }
+
+    const CONVERSION_REQUEST& m_request;
+    std::string& m_message;
+    CONVERSION_FAILURE& m_failure;
+    std::unique_ptr<PGM_COMMON_XML_VEK_VEK> m_document;
+    VEK_FILE_TYPE m_type = VEK_INVALID_FILE_TYPE;
+    PGMIO_CONFIG_SCHEME m_mode = PGMIO_CONFIG_SCHEME_ILLEGAL;
+    PGMIO_CONFIG_SCHEME m_scheme = PGMIO_CONFIG_SCHEME_ILLEGAL; ///< of the first bitstream
+    const PGM_DEVICE* m_device = nullptr;                       ///< of the first bitstream
+    std::vector<std::string> m_bitstreams;
+    std::vector<RAW_INPUT> m_raw_files;
+    std::size_t m_placed = 0; ///< bitstreams that have a partition
+    unsigned m_own = 0;       ///< partitions named P1, P2...
+};
+
+} // namespace
+
+std::unique_ptr<PGM_COMMON_XML_VEK_VEK> make_conversion(const CONVERSION_REQUEST& request,
+                                                        std::string& message, CONVERSION_FAILURE& failure)
+{
+    return CONVERTER(request, message, failure).run();
+}
