@@ -6,6 +6,7 @@
 #include <libdeflate.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -105,6 +106,31 @@ bool FILE_SOURCE::read(std::uint64_t offset, std::span<std::uint8_t> into, std::
     if (!lies_within(offset, into.size(), m_size)) {
         return refuse_range(m_path, offset, into.size(), m_size, message);
     }
+    // Kernels copy out of their pages at a third of the speed when source and target lie differently within
+    // cache lines; going through a small buffer that lies as the file does costs less.
+    constexpr std::size_t CACHE_LINE = 64;
+    constexpr std::size_t DETOUR = 32 * 1024;
+    const bool aligned = (reinterpret_cast<std::uintptr_t>(into.data()) - offset) % CACHE_LINE == 0;
+    if (aligned || into.size() < DETOUR / 4) {
+        return read_directly(offset, into, message);
+    }
+    alignas(CACHE_LINE) std::array<std::uint8_t, DETOUR + CACHE_LINE> buffer;
+    while (!into.empty()) {
+        const std::size_t within_line = static_cast<std::size_t>(offset % CACHE_LINE);
+        const std::span<std::uint8_t> block(buffer.data() + within_line, std::min(into.size(), DETOUR));
+        if (!read_directly(offset, block, message)) {
+            return false;
+        }
+        std::memcpy(into.data(), block.data(), block.size());
+        into = into.subspan(block.size());
+        offset += block.size();
+    }
+    return true;
+}
+
+bool FILE_SOURCE::read_directly(std::uint64_t offset, std::span<std::uint8_t> into,
+                                std::string& message) const
+{
     for (std::size_t done = 0; done < into.size();) {
         const ssize_t count =
             pread(m_descriptor, into.data() + done, into.size() - done, static_cast<off_t>(offset + done));
@@ -179,12 +205,15 @@ bool MEMORY_SINK::write(std::span<const std::uint8_t> bytes, std::string&)
 namespace
 {
 
+/// What is read stays in the second-level cache until it has been used.
+constexpr std::size_t CACHED_BLOCK_SIZE = 128 * 1024;
+
 /// Hands the whole source to `take`, block by block, until that returns false.
 template <class TAKE>
 bool for_each_block(const BYTE_SOURCE& source, std::string& message, TAKE take)
 {
     const std::uint64_t size = source.size();
-    std::vector<std::uint8_t> buffer(static_cast<std::size_t>(std::min<std::uint64_t>(size, IO_BLOCK_SIZE)));
+    IO_BLOCK buffer(static_cast<std::size_t>(std::min<std::uint64_t>(size, CACHED_BLOCK_SIZE)));
     for (std::uint64_t offset = 0; offset < size;) {
         const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(size - offset, buffer.size()));
         const std::span<std::uint8_t> block(buffer.data(), count);

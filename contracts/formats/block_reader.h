@@ -42,9 +42,11 @@ private:
     bool fill(std::string& message);
 
     const BYTE_SOURCE& m_source;
-    std::vector<std::uint8_t> m_buffer;
-    std::size_t m_position = 0;
-    std::size_t m_end = 0;
+    const std::size_t m_block_size;
+    const std::size_t m_left_over; ///< size of the first part of the buffer, whole cache lines
+    IO_BLOCK m_buffer; ///< what is left over lies at the end of the first part, what is read behind it
+    std::size_t m_position;
+    std::size_t m_end;
     std::uint64_t m_next; ///< offset in the source behind the buffer
 };
 

@@ -55,7 +55,7 @@ private:
     const BYTE_SOURCE& m_image;
     const CHECKSUM m_sum;
     std::uint32_t m_value = 0;
-    std::vector<std::uint8_t> m_window; ///< what was read last, so that short pieces cost no read each
+    IO_BLOCK m_window; ///< what was read last, so that short pieces cost no read each
     std::uint64_t m_window_begin = 0;
     std::vector<std::uint8_t> m_reversed;
 };

@@ -100,8 +100,7 @@ bool equal_to_image(const BYTE_SOURCE& file, const BYTE_SOURCE& image, std::uint
         return false;
     }
     IMAGE_COMPARE compare(image);
-    std::vector<std::uint8_t> block(
-        static_cast<std::size_t>(std::min<std::uint64_t>(length, CACHED_BLOCK_SIZE)));
+    IO_BLOCK block(static_cast<std::size_t>(std::min<std::uint64_t>(length, CACHED_BLOCK_SIZE)));
     for (std::uint64_t done = 0; done != length;) {
         const std::size_t count =
             static_cast<std::size_t>(std::min<std::uint64_t>(length - done, block.size()));
@@ -120,8 +119,7 @@ bool equal_to_image(const BYTE_SOURCE& file, const BYTE_SOURCE& image, std::uint
 bool send_image(const BYTE_SOURCE& image, std::uint64_t begin, std::uint64_t length, bool bitswap,
                 BYTE_SINK& sink, std::string& message)
 {
-    std::vector<std::uint8_t> block(
-        static_cast<std::size_t>(std::min<std::uint64_t>(length, CACHED_BLOCK_SIZE)));
+    IO_BLOCK block(static_cast<std::size_t>(std::min<std::uint64_t>(length, CACHED_BLOCK_SIZE)));
     for (std::uint64_t done = 0; done != length;) {
         const std::size_t count =
             static_cast<std::size_t>(std::min<std::uint64_t>(length - done, block.size()));

@@ -29,7 +29,7 @@ private:
     bool load(std::uint64_t offset, std::size_t length, std::string& message);
 
     const BYTE_SOURCE& m_image;
-    std::vector<std::uint8_t> m_buffer;
+    IO_BLOCK m_buffer;
 };
 
 /// The first position from `begin` on whose byte is not 0xFF (`fill` true) or is 0xFF (`fill` false);

@@ -235,7 +235,7 @@ bool FLASH_FILE_FORMAT::write(const FORMAT_REQUEST& request, BYTE_SINK& sink, st
             return false;
 
     const std::uint64_t size = request.image->size();
-    std::vector<std::uint8_t> block(static_cast<std::size_t>(std::min<std::uint64_t>(size, pof::MOST_DATA)));
+    IO_BLOCK block(static_cast<std::size_t>(std::min<std::uint64_t>(size, pof::MOST_DATA)));
     std::uint64_t data_size = 0;
     std::uint32_t crc = 0;
     for (std::uint64_t address = 0; address != size;) {

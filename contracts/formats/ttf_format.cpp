@@ -65,7 +65,7 @@ bool wrong_number(std::uint64_t index, std::uint8_t wanted, std::string& message
 bool TTF_FORMAT::write(const FORMAT_REQUEST& request, BYTE_SINK& sink, std::string& message) const
 {
     const std::uint64_t size = request.image->size();
-    std::vector<std::uint8_t> block(static_cast<std::size_t>(std::min<std::uint64_t>(size, BLOCK)));
+    IO_BLOCK block(static_cast<std::size_t>(std::min<std::uint64_t>(size, BLOCK)));
     std::vector<char> text((block.size() / PER_LINE + 2) * LONGEST_LINE);
     for (std::uint64_t done = 0; done != size;) {
         const std::size_t count =
@@ -97,7 +97,7 @@ bool TTF_FORMAT::verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, 
     // Where a number ends follows from the byte that it must stand for; its digits are then read and added
     // up, which says nothing that the writer's table could have made so.
     const std::uint64_t size = request.image->size();
-    std::vector<std::uint8_t> block(static_cast<std::size_t>(std::min<std::uint64_t>(size, BLOCK)));
+    IO_BLOCK block(static_cast<std::size_t>(std::min<std::uint64_t>(size, BLOCK)));
     BLOCK_READER reader(file, 0, 2 * CACHED_BLOCK_SIZE);
     std::uint64_t index = 0;
     while (index != size) {

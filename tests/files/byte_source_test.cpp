@@ -65,6 +65,34 @@ TEST(file_source, reads_at_any_offset_from_several_threads)
     EXPECT_EQ(equal, (std::array<bool, 4>{true, true, true, true}));
 }
 
+TEST(file_source, reads_the_same_into_memory_of_any_alignment)
+{
+    const TEMPORARY_DIRECTORY directory;
+    std::vector<std::uint8_t> bytes(200'000);
+    for (std::size_t i = 0; i != bytes.size(); ++i) {
+        bytes[i] = static_cast<std::uint8_t>(i * 2654435761U >> 16);
+    }
+    write_file(directory / "data.bin", bytes);
+    std::string message;
+    const auto source = FILE_SOURCE::open(directory / "data.bin", message);
+    ASSERT_NE(source, nullptr) << message;
+    IO_BLOCK block(bytes.size() + 64);
+    for (std::size_t shift = 0; shift != 64; ++shift) {
+        for (const std::size_t offset :
+             {std::size_t{0}, std::size_t{1}, std::size_t{4096}, std::size_t{99'999}}) {
+            for (const std::size_t length : {8191, 8192, 32'768, 32'769, 100'001}) {
+                const std::span<std::uint8_t> into(block.data() + shift, length);
+                std::fill(block.begin(), block.end(), std::uint8_t{0});
+                ASSERT_TRUE(source->read(offset, into, message)) << message;
+                ASSERT_TRUE(
+                    std::equal(into.begin(), into.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset)))
+                    << shift << " " << offset << " " << length;
+                ASSERT_EQ(block[shift + length], 0);
+            }
+        }
+    }
+}
+
 TEST(file_source, refuses_what_is_no_regular_file_without_waiting)
 {
     const TEMPORARY_DIRECTORY directory;
