@@ -1,13 +1,18 @@
 #include "pof_format.h"
+#include "pof_layout.h"
+#include "sealed_chunks.h"
 
 #include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
-    const MEMORY_SOURCE file(std::vector<std::uint8_t>(bytes, bytes + size));
-    FORMAT_FACTS facts;
-    std::string message;
-    if (JIC_FORMAT().inspect(file, facts, message) != message.empty())
-        std::abort();
+    const std::vector<std::uint8_t> input(bytes, bytes + size);
+    for (const MEMORY_SOURCE& file :
+         {MEMORY_SOURCE(input), MEMORY_SOURCE(sealed_chunks(pof::JIC.signature, input))}) {
+        FORMAT_FACTS facts;
+        std::string message;
+        if (JIC_FORMAT().inspect(file, facts, message) != message.empty())
+            std::abort();
+    }
     return 0;
 }
