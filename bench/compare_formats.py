@@ -60,12 +60,39 @@ class Report:
         print(f"  {text}: {value:.2f} ({'at least' if at_least else 'at most'} {limit}) {'held' if held else 'MISSED'}")
 
 
+def compare_text(report, tool, rounds, at):
+    """How fast the text of the JTAG formats is written and checked."""
+    with open(at("small.bin"), "wb") as file, open(at("stream.bin"), "rb") as stream:
+        for _ in range(32):
+            file.write(stream.read(MIB))
+    out = at("out")
+    for format in ("svf", "jam"):
+        command = [tool, format, out, at("small.bin")]
+        run(command)
+        text = os.path.getsize(out) / 1e6
+        best = race({format: command, format + " --verify": command + ["--verify"]}, rounds, [out])
+        report.show(f"32 MiB stream to {format.upper()}, {text:.0f} MB", best)
+        report.target("MB/s of text, written", text / best[format][0], 500, True)
+        report.target("MB/s of text, written and read back", text / best[format + " --verify"][0], 500, True)
+
+
+def compare_checks(report, tool, rounds, at):
+    """What reading back adds to a whole generation from a bitstream file on."""
+    run([tool, "pack", at("top.sof"), at("stream.bin")])
+    out = at("out")
+    for format in ("rbf", "hex", "ttf", "svf", "jam", "jbc"):
+        command = [tool, format, out, at("top.sof"), "--stream"]
+        best = race({format: command, format + " --verify": command + ["--verify"]}, rounds, [out])
+        report.show(f"64 MiB bitstream to {format.upper()}", best)
+        report.target("% added by reading back", 100 * (best[format + " --verify"][0] / best[format][0] - 1), 30)
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("build")
     parser.add_argument("--rounds", type=int, default=7)
     parser.add_argument("--directory", default="/dev/shm")
-    parser.add_argument("--only", choices=("hex", "ttf", "rpd"))
+    parser.add_argument("--only", choices=("hex", "ttf", "rpd", "text", "check"))
     parser.add_argument("--without-srec-cat", action="store_true")
     arguments = parser.parse_args()
     tool = os.path.join(arguments.build, "bin", "format_tool")
@@ -109,7 +136,12 @@ def main():
                 if os.path.exists(path):
                     os.remove(path)
 
-        os.remove(at("stream.bin"))
+        if arguments.only in (None, "text"):
+            compare_text(report, tool, arguments.rounds, at)
+        if arguments.only in (None, "check"):
+            compare_checks(report, tool, arguments.rounds, at)
+        for name in os.listdir(directory):
+            os.remove(at(name))
         if arguments.only not in (None, "rpd"):
             return 1 if report.missed else 0
         inputs = []
@@ -125,7 +157,8 @@ def main():
         commands = {"imagewright rpd, map": [tool, "rpd", out] + inputs,
                     "imagewright rpd, map --verify": [tool, "rpd", out, "--verify"] + inputs,
                     "imagewright rpd --bitswap": [tool, "rpd", out, "--bitswap"] + inputs,
-                    "cp of the result": ["cp", result, copy]}
+                    "cp of the result": ["cp", result, copy],
+                    "dd of the result": ["dd", "if=" + result, "of=" + copy, "bs=128K", "status=none"]}
         if shutil.which("genimage"):
             with open(at("genimage.cfg"), "w") as file:
                 file.write("flash nor { pebsize = 64K numpebs = 4096 minimum-io-unit-size = 1 }\n")
