@@ -193,9 +193,10 @@ bool JAM_READER::read_array(std::string& message)
 
 bool JAM_READER::send_stream(BYTE_SINK& sink, std::string& message) const
 {
-    std::vector<std::uint8_t> block(CACHED_BLOCK_SIZE);
+    IO_BLOCK block(
+        static_cast<std::size_t>(std::min<std::uint64_t>(m_digits_end - m_digits_begin, CACHED_BLOCK_SIZE)));
     std::vector<std::uint8_t> bytes;
-    bytes.reserve(CACHED_BLOCK_SIZE);
+    bytes.reserve(block.size() / 2 + 1);
     unsigned low = 0x10; // the lower half of a byte, 0x10 for none
     for (std::uint64_t end = m_digits_end; end != m_digits_begin;) {
         const std::size_t count =
