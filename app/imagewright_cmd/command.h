@@ -52,6 +52,10 @@ EXIT_CODE run_command_line(const std::vector<std::string>& arguments, std::ostre
 /// Text of a byte count for people: "582369 bytes".
 std::string bytes_text(std::uint64_t count);
 
+/// The text with control characters, line feed and tab excepted, written as \x1B and the like: texts of
+/// damaged or hostile files must not steer the terminal.
+std::string printable(const std::string& text);
+
 /// "0x00012345", eight digits at least.
 std::string hex_text(std::uint64_t value);
 

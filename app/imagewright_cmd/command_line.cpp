@@ -91,7 +91,7 @@ void COMMAND_CONTEXT::fail(const std::string& sentence) const
 
 void COMMAND_CONTEXT::fail_with(const JSON& document, const std::string& text) const
 {
-    err << text;
+    err << printable(text);
     if (json) {
         out << json_text(document);
     }
@@ -102,13 +102,28 @@ void COMMAND_CONTEXT::print(const JSON& document, const std::string& text) const
     if (json) {
         out << json_text(document);
     } else if (!quiet) {
-        out << text;
+        out << printable(text);
     }
 }
 
 std::string bytes_text(std::uint64_t count)
 {
     return std::to_string(count) + (count == 1 ? " byte" : " bytes");
+}
+
+std::string printable(const std::string& text)
+{
+    std::string result;
+    result.reserve(text.size());
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if ((byte < 0x20 && c != '\n' && c != '\t') || byte == 0x7F) {
+            result += "\\x" + hex_text(byte).substr(8);
+        } else {
+            result += c;
+        }
+    }
+    return result;
 }
 
 std::string hex_text(std::uint64_t value)

@@ -1,5 +1,7 @@
 #include "message_printer.h"
 
+#include "command.h"
+
 #include <ostream>
 
 namespace
@@ -36,7 +38,7 @@ MESSAGE_PRINTER::MESSAGE_PRINTER(std::ostream& stream, bool quiet, bool verbose)
               }
               stream << ": ";
           }
-          stream << record.text << '\n';
+          stream << printable(record.text) << '\n';
       })
 {
 }

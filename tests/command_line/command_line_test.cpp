@@ -286,6 +286,17 @@ TEST_F(SETUP, samples_of_one_seed_are_equal_and_of_two_differ)
     EXPECT_NE(read_file(m_directory / "1"), read_file(m_directory / "2"));
 }
 
+TEST_F(SETUP, texts_of_hostile_files_do_not_steer_the_terminal)
+{
+    const std::string escape = "\x1B]0;title\x07";
+    const ANSWER missing = run({"show", m_directory / ("missing" + escape + ".vek")});
+    EXPECT_THAT(missing.err, Not(HasSubstr("\x1B")));
+    EXPECT_THAT(missing.err, HasSubstr("\\x1B]0;title\\x07"));
+    write_file(m_directory / "a.map", "Flash map, version 1\nDevice: " + escape + "\nSize: x\n");
+    const ANSWER map = run({"inspect", m_directory / "a.map"});
+    EXPECT_THAT(map.out + map.err, Not(HasSubstr("\x1B")));
+}
+
 TEST(command_line_page, names_every_command_and_exit_code)
 {
     const std::string page = read_text_file(IMAGEWRIGHT_SOURCE_DIR "/docs/command-line.md");
