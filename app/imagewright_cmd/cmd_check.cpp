@@ -16,6 +16,7 @@ public:
         CLI::App* command =
             application.add_subcommand("check", "Say what keeps a setup from being generated");
         command->add_option("setup", m_setup, "Setup file (.vek)")->type_name("SETUP")->required();
+        m_passwords.declare(*command);
         command->footer("Example:\n  imagewright-cmd check board.vek");
         return command;
     }
@@ -24,7 +25,7 @@ public:
     {
         std::unique_ptr<PGM_COMMON_XML_VEK_VEK> document;
         std::string message;
-        if (!open_setup(m_setup, document, message)) {
+        if (!open_setup(m_setup, document, message) || !m_passwords.apply(*document, message)) {
             context.fail(message);
             return EXIT_CODE_INPUT_UNREADABLE;
         }
@@ -36,6 +37,7 @@ public:
 
 private:
     std::string m_setup;
+    PASSWORD_OPTION m_passwords;
 };
 
 } // namespace

@@ -49,6 +49,7 @@ public:
             ->expected(1)
             ->take_all();
         command->add_option("--save", m_save, "Keep the setup that does the same (.vek)")->type_name("SETUP");
+        m_passwords.declare(*command);
         command->footer(
             "Examples:\n"
             "  imagewright-cmd convert top.sof -o top.rbf --option path_compression=1\n"
@@ -66,6 +67,10 @@ public:
         if (!document) {
             context.fail(message);
             return failure == CONVERSION_FAILURE::USAGE ? EXIT_CODE_USAGE : EXIT_CODE_INPUT_UNREADABLE;
+        }
+        if (!m_passwords.apply(*document, message)) {
+            context.fail(message);
+            return EXIT_CODE_INPUT_UNREADABLE;
         }
         const std::string name = m_save.empty() ? m_request.output : m_save;
         GENERATE_RUN run(*document, name, GENERATE_OPTIONS());
@@ -94,6 +99,7 @@ private:
     }
 
     CONVERSION_REQUEST m_request;
+    PASSWORD_OPTION m_passwords;
     std::string m_save;
     bool m_is_own_input = false;
 };

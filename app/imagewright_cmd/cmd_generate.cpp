@@ -34,6 +34,7 @@ public:
                          "Take the Ith of N equal parts of the sorted list of setups, for runs on several "
                          "machines")
             ->type_name("I/N");
+        m_passwords.declare(*command);
         command->footer("Examples:\n"
                         "  imagewright-cmd generate board.vek --output-directory /srv/line-3\n"
                         "  imagewright-cmd generate units/ --jobs 8 --json\n"
@@ -59,6 +60,7 @@ public:
             context.fail(message);
             return EXIT_CODE_INPUT_UNREADABLE;
         }
+        m_fleet.passwords = m_passwords;
         return generate_fleet(context, shard_of(setups, shard), m_fleet);
     }
 
@@ -67,7 +69,7 @@ private:
     {
         std::unique_ptr<PGM_COMMON_XML_VEK_VEK> document;
         std::string message;
-        if (!open_setup(setup, document, message)) {
+        if (!open_setup(setup, document, message) || !m_passwords.apply(*document, message)) {
             context.fail(message);
             return EXIT_CODE_INPUT_UNREADABLE;
         }
@@ -83,6 +85,7 @@ private:
 
     std::vector<std::string> m_setups;
     FLEET_OPTIONS m_fleet;
+    PASSWORD_OPTION m_passwords;
     std::string m_shard;
 };
 

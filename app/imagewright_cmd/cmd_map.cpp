@@ -96,6 +96,7 @@ public:
             command->add_option("-o,--output", m_output, "File for the picture (.svg)")->type_name("FILE");
         picture->needs(output);
         output->needs(picture);
+        m_passwords.declare(*command);
         command->footer("Examples:\n"
                         "  imagewright-cmd map board.vek\n"
                         "  imagewright-cmd map board.vek --svg -o board.svg");
@@ -106,7 +107,7 @@ public:
     {
         std::unique_ptr<PGM_COMMON_XML_VEK_VEK> document;
         std::string message;
-        if (!open_setup(m_setup, document, message)) {
+        if (!open_setup(m_setup, document, message) || !m_passwords.apply(*document, message)) {
             context.fail(message);
             return EXIT_CODE_INPUT_UNREADABLE;
         }
@@ -176,6 +177,7 @@ private:
     }
 
     std::string m_setup;
+    PASSWORD_OPTION m_passwords;
     std::string m_device;
     std::string m_output;
     bool m_picture = false;

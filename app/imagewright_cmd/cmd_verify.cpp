@@ -40,6 +40,7 @@ public:
                          "Look for all outputs here instead of where the setup says")
             ->type_name("DIR")
             ->excludes(against);
+        m_passwords.declare(*command);
         command->footer("Examples:\n"
                         "  imagewright-cmd verify board.vek\n"
                         "  imagewright-cmd verify board.pof\n"
@@ -84,7 +85,7 @@ private:
     {
         std::unique_ptr<PGM_COMMON_XML_VEK_VEK> document;
         std::string message;
-        if (!open_setup(setup, document, message) ||
+        if (!open_setup(setup, document, message) || !m_passwords.apply(*document, message) ||
             (!file.empty() && FILE_SOURCE::open(file, message) == nullptr)) {
             context.fail(message);
             return EXIT_CODE_INPUT_UNREADABLE;
@@ -163,6 +164,7 @@ private:
     }
 
     std::string m_file;
+    PASSWORD_OPTION m_passwords;
     std::string m_against;
     std::string m_directory;
 };

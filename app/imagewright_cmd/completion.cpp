@@ -82,7 +82,8 @@ VALUE_KIND value_kind(const std::string& value)
     if (value == "DIR") {
         return VALUE_KIND::DIRECTORY;
     }
-    const bool is_file = value == "FILE" || value == "SETUP" || value == "INPUT" || value == "SETUP|FILE";
+    const bool is_file = value == "FILE" || value == "SETUP" || value == "INPUT" || value == "SETUP|FILE" ||
+                         value == "[ID=]FILE";
     return is_file ? VALUE_KIND::FILE : VALUE_KIND::OTHER;
 }
 

@@ -4,7 +4,6 @@
 #include "generate_run.h"
 #include "gfpdb_mgr.h"
 #include "parallel.h"
-#include "setup_argument.h"
 #include "setup_reader.h"
 
 #include <algorithm>
@@ -104,7 +103,7 @@ private:
         RESULT& result = m_results[index];
         std::unique_ptr<PGM_COMMON_XML_VEK_VEK> document;
         std::string message;
-        if (!read_setup_file(setup, document, message)) {
+        if (!read_setup_file(setup, document, message) || !m_options.passwords.apply(*document, message)) {
             fail(result, setup, EXIT_CODE_INPUT_UNREADABLE, message);
             return;
         }
@@ -155,9 +154,9 @@ private:
     void say(const std::string& err, const std::string& out)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_context.err << err;
+        m_context.err << printable(err);
         if (!m_context.json && !m_context.quiet) {
-            m_context.out << out;
+            m_context.out << printable(out);
         }
     }
 

@@ -2,6 +2,7 @@
 #define FLEET_H
 
 #include "command.h"
+#include "setup_argument.h"
 
 #include <string>
 #include <vector>
@@ -9,6 +10,7 @@
 /// What a run over many setups does.
 struct FLEET_OPTIONS {
     std::string output_directory; ///< as for a single setup
+    PASSWORD_OPTION passwords;    ///< for every setup
     unsigned jobs = 0; ///< at most so many setups and files at once; 0 for as many as the machine runs
 };
 
