@@ -120,7 +120,7 @@ std::string bash_value_cases(const std::vector<ARGUMENT>& arguments, const std::
     return text;
 }
 
-/// Text within an argument specification of zsh, in single quotes.
+/// Text within a description of an argument for zsh, in single quotes.
 std::string zsh_text(const std::string& text)
 {
     std::string result;

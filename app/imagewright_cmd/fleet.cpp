@@ -3,6 +3,7 @@
 #include "fio_types.h"
 #include "generate_run.h"
 #include "gfpdb_mgr.h"
+#include "message_printer.h"
 #include "parallel.h"
 #include "setup_reader.h"
 
@@ -153,7 +154,7 @@ private:
     /// The texts of one setup stand together.
     void say(const std::string& err, const std::string& out)
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard<std::mutex> lock(message_stream_mutex());
         m_context.err << printable(err);
         if (!m_context.json && !m_context.quiet) {
             m_context.out << printable(out);

@@ -30,6 +30,7 @@ MESSAGE_PRINTER::MESSAGE_PRINTER(std::ostream& stream, bool quiet, bool verbose)
           if (!is_wanted(record.severity, quiet, verbose)) {
               return;
           }
+          const std::lock_guard<std::mutex> lock(message_stream_mutex());
           const std::string word = msg_severity_word(record.severity);
           if (!word.empty()) {
               stream << word;
@@ -41,4 +42,10 @@ MESSAGE_PRINTER::MESSAGE_PRINTER(std::ostream& stream, bool quiet, bool verbose)
           stream << printable(record.text) << '\n';
       })
 {
+}
+
+std::mutex& message_stream_mutex()
+{
+    static std::mutex mutex;
+    return mutex;
 }

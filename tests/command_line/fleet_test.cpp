@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <set>
+#include <sstream>
 
 namespace
 {
@@ -128,6 +129,27 @@ TEST_F(FLEET, goes_on_behind_failures_and_ends_with_the_worst_code)
     EXPECT_THAT(json.at(4).at("error").get<std::string>(), HasSubstr("unreadable.vek"));
     EXPECT_THAT(outputs(), testing::ElementsAre("unit_0.rbf", "unit_1.rbf", "unit_2.rbf"));
     EXPECT_THAT(run({"generate", m_board.path("units")}).out, HasSubstr("Generated 3 of 5 setups.\n"));
+}
+
+TEST_F(FLEET, messages_of_setups_that_fail_at_once_keep_their_lines)
+{
+    for (unsigned i = 0; i < 20; ++i) {
+        const std::string name = "unit_" + std::to_string(i);
+        unit(name, name, m_input);
+        // A link that leads nowhere passes the check and cannot be written.
+        std::filesystem::create_symlink(m_board.path("nowhere/" + name),
+                                        m_board.path("out/" + name + ".rbf"));
+    }
+    const ANSWER answer = run({"generate", m_board.path("units"), "--jobs", "8"});
+    EXPECT_EQ(answer.exit_code, EXIT_CODE_OUTPUT_NOT_WRITTEN);
+    std::istringstream lines(answer.err);
+    unsigned count = 0;
+    for (std::string line; std::getline(lines, line); ++count) {
+        EXPECT_THAT(line, testing::StartsWith("Error"));
+        EXPECT_THAT(line, HasSubstr(".rbf"));
+    }
+    EXPECT_EQ(count, 20U) << answer.err;
+    EXPECT_EQ(answer.out, "Generated 0 of 20 setups.\n");
 }
 
 TEST_F(FLEET, of_two_setups_that_want_one_file_one_is_refused)
