@@ -1,5 +1,4 @@
 #include "vek_frame_fixture.h"
-#include "vek_list_view.h"
 #include "vek_tab_config_device.h"
 #include "vek_tab_input_files.h"
 #include "vek_tab_output_files.h"
@@ -22,36 +21,6 @@ protected:
     TAB make() const
     {
         return TAB(m_vek, m_cache, nullptr, Qt::WindowFlags());
-    }
-
-    /// The rows of a tree, one a line, children indented, columns divided by "|".
-    static std::string rows(const QWidget& tab)
-    {
-        const auto* const tree = tab.findChild<VEK_LIST_VIEW*>();
-        return rows(*tree->model(), QModelIndex(), std::string());
-    }
-    static std::string rows(const QAbstractItemModel& model, const QModelIndex& parent,
-                            const std::string& indent)
-    {
-        std::string text;
-        for (int row = 0; row < model.rowCount(parent); ++row) {
-            QStringList columns;
-            for (int column = 0; column < model.columnCount(); ++column) {
-                columns << model.index(row, column, parent).data().toString();
-            }
-            text += indent + columns.join('|').toStdString() + "\n";
-            text += rows(model, model.index(row, 0, parent), indent + "  ");
-        }
-        return text;
-    }
-    void add_partition(const std::string& name, const std::string& start, const std::string& end)
-    {
-        set(*m_vek, VEK_CMD_OPT_FLASH_DEVICE,
-            {{VEK_CMD_PARAM_FLASH_DEVICE_ID, "Flash_Device_1"},
-             {VEK_CMD_PARAM_FLASH_DEVICE_TYPE, "W25Q128JV"},
-             {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_ID, name},
-             {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_S_ADDR, start},
-             {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_E_ADDR, end}});
     }
 
     DOCUMENT m_vek;
