@@ -5,6 +5,7 @@
 #include "mok_message_model.h"
 #include "mok_recent_files.h"
 #include "mok_ui_mgr.h"
+#include "nivo_help.h"
 #include "nivo_native_file_dlg.h"
 
 #include <QApplication>
@@ -268,6 +269,12 @@ void mok_tile(MOK_FRAME_WND&)
 void mok_toggle_attached(MOK_FRAME_WND& frame)
 {
     frame.set_attached(frame.get_state() != MOK_FW_STATE_ATTACHED);
+}
+
+void mok_show_help(MOK_FRAME_WND& frame)
+{
+    const QString topic = nivo_get_help_topic(frame.focusWidget());
+    nivo_show_help(topic.isEmpty() ? QString::fromLatin1(NIVO_HELP_OVERVIEW) : topic, &frame);
 }
 
 void mok_show_shortcuts(MOK_FRAME_WND& frame)

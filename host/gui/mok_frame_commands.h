@@ -32,6 +32,7 @@ void mok_cascade(MOK_FRAME_WND& frame);
 void mok_tile(MOK_FRAME_WND& frame);
 void mok_toggle_attached(MOK_FRAME_WND& frame);
 
+void mok_show_help(MOK_FRAME_WND& frame);
 void mok_show_shortcuts(MOK_FRAME_WND& frame);
 void mok_show_about(MOK_FRAME_WND& frame);
 

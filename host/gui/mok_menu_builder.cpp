@@ -94,6 +94,7 @@ constexpr ENTRY_ROW ENTRY_ROWS[] = {
     {MOK_MENU_WINDOW, MOK_WINDOW_DETACH_SEPARATOR, nullptr, nullptr, NEED::NOTHING, nullptr},
     {MOK_MENU_WINDOW, MOK_WINDOW_DETACH, TEXT("&Detach Window"), nullptr, NEED::OWNER, mok_toggle_attached},
 
+    {MOK_MENU_HELP, MOK_HELP_CONTEXT, TEXT("Imagewright &Help"), "F1", NEED::NOTHING, mok_show_help},
     {MOK_MENU_HELP, MOK_HELP_SHORTCUTS, TEXT("&Keyboard Shortcuts"), nullptr, NEED::NOTHING,
      mok_show_shortcuts},
     {MOK_MENU_HELP, MOK_HELP_SEPARATOR, nullptr, nullptr, NEED::NOTHING, nullptr},

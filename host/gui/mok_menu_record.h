@@ -70,9 +70,10 @@ enum MOK_WINDOW_ENTRY : int {
 
 /// Positions of the entries of the Help menu.
 enum MOK_HELP_ENTRY : int {
-    MOK_HELP_SHORTCUTS = 0,
-    MOK_HELP_SEPARATOR = 1,
-    MOK_HELP_ABOUT = 2,
+    MOK_HELP_CONTEXT = 0, ///< about what has the focus
+    MOK_HELP_SHORTCUTS = 1,
+    MOK_HELP_SEPARATOR = 2,
+    MOK_HELP_ABOUT = 3,
 };
 
 /// The standard menus of a frame window and their entries, by position. Menus and entries belong to the

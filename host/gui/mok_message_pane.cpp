@@ -1,6 +1,7 @@
 #include "mok_message_pane.h"
 
 #include "mok_message_model.h"
+#include "nivo_help.h"
 #include "nivo_icon.h"
 #include "nivo_tree_view.h"
 
@@ -15,6 +16,25 @@
 
 #include <algorithm>
 #include <tuple>
+
+namespace
+{
+
+/// Asks for the height of a few messages; the window's own work needs the rest.
+class MESSAGE_PANE_BODY : public QWidget
+{
+public:
+    using QWidget::QWidget;
+    QSize sizeHint() const override
+    {
+        return {QWidget::sizeHint().width(), fontMetrics().lineSpacing() * SHOWN_LINES};
+    }
+
+private:
+    static constexpr int SHOWN_LINES = 6; ///< buttons and header among them
+};
+
+} // namespace
 
 void MOK_MESSAGE_FILTER::set_shown(MSG_SEVERITY severity, bool shown)
 {
@@ -32,9 +52,10 @@ MOK_MESSAGE_PANE::MOK_MESSAGE_PANE(MOK_MESSAGE_MODEL* model, QWidget* parent)
     : QDockWidget(tr("Messages"), parent), m_model(model)
 {
     setObjectName(QStringLiteral("message_pane"));
+    nivo_set_help_topic(*this, NIVO_HELP_MESSAGES);
     setAllowedAreas(Qt::BottomDockWidgetArea | Qt::TopDockWidgetArea);
 
-    QWidget* const body = new QWidget;
+    QWidget* const body = new MESSAGE_PANE_BODY;
     m_filter = new MOK_MESSAGE_FILTER(this);
     m_filter->setSourceModel(model);
     m_view = new NIVO_TREE_VIEW(body, NIVO_TREE_VIEW::FLAG_ALTERNATING_ROWS);

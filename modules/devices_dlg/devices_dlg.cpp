@@ -1,6 +1,7 @@
 #include "devices_dlg.h"
 
 #include "nivo_dialog_modules.h"
+#include "nivo_help.h"
 #include "nivo_icon.h"
 #include "nivo_safe_connect.h"
 #include "pgm_device.h"
@@ -92,6 +93,7 @@ DEVICES_DLG::DEVICES_DLG(const QString& name, bool loaders_only, bool all_famili
 void DEVICES_DLG::create_widgets()
 {
     setWindowTitle(tr("Select Device"));
+    nivo_set_help_topic(*this, NIVO_HELP_CONFIG_DEVICE);
     setWindowIcon(nivo_get_icon(NIVO_ICON_IMAGEWRIGHT));
     m_family_combo->setObjectName(QStringLiteral("m_family_combo"));
     m_filter_edit->setObjectName(QStringLiteral("m_filter_edit"));

@@ -1,5 +1,6 @@
 #include "custom_device_dlg.h"
 
+#include "nivo_help.h"
 #include "nivo_icon.h"
 #include "nivo_safe_connect.h"
 
@@ -46,6 +47,7 @@ CUSTOM_DEVICE_DLG::CUSTOM_DEVICE_DLG(QWidget* parent)
     : NIVO_DIALOG(parent), m_type_combo(new QComboBox), m_address_width_combo(new QComboBox)
 {
     setWindowTitle(tr("Add Flash Device"));
+    nivo_set_help_topic(*this, NIVO_HELP_FLASH_DEVICES);
     setWindowIcon(nivo_get_icon(NIVO_ICON_IMAGEWRIGHT));
     setSizeGripEnabled(false);
     m_type_combo->setObjectName(QStringLiteral("m_type_combo"));

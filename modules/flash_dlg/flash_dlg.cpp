@@ -4,6 +4,7 @@
 #include "custom_devices.h"
 #include "flash_offer.h"
 #include "nivo_dialog_modules.h"
+#include "nivo_help.h"
 #include "nivo_icon.h"
 #include "nivo_native_file_dlg.h"
 #include "nivo_safe_connect.h"
@@ -110,6 +111,7 @@ void FLASH_DLG::populate_families(const CONFIG_DEVICE& wanted, bool show_all)
 void FLASH_DLG::create_widgets(bool can_choose)
 {
     setWindowTitle(tr("Flash Database"));
+    nivo_set_help_topic(*this, NIVO_HELP_FLASH_DEVICES);
     setWindowIcon(nivo_get_icon(NIVO_ICON_IMAGEWRIGHT));
     m_search_edit->setObjectName(QStringLiteral("m_search_edit"));
     m_search_edit->setPlaceholderText(tr("Part of the name or of the JEDEC id"));
@@ -230,6 +232,9 @@ void FLASH_DLG::update_list()
         item->setData(0, POSITION_ROLE, static_cast<unsigned>(position));
     }
     m_device_list->setCurrentItem(m_device_list->topLevelItem(0));
+    for (int column = 0; column + 1 < m_device_list->columnCount(); ++column) {
+        m_device_list->resizeColumnToContents(column);
+    }
     if (present != nullptr) {
         select(to_text(present->user_name()));
     }

@@ -2,6 +2,7 @@
 
 #include "fio_types.h"
 #include "nivo_dialog_modules.h"
+#include "nivo_help.h"
 #include "nivo_hex_edit.h"
 #include "nivo_icon.h"
 #include "nivo_native_file_dlg.h"
@@ -64,6 +65,7 @@ OPTIONS_DLG::OPTIONS_DLG(const DSET_OTI_DEV_OPTIONS_INFO& options, const CONTENT
     : NIVO_DIALOG(parent), m_options(options), m_content(content)
 {
     setWindowTitle(tr("Device Options"));
+    nivo_set_help_topic(*this, NIVO_HELP_DEVICE_OPTIONS);
     setWindowIcon(nivo_get_icon(NIVO_ICON_IMAGEWRIGHT));
     setSizeGripEnabled(false);
     auto* const layout = new QVBoxLayout(this);

@@ -2,6 +2,7 @@
 
 #include "flash_offer.h"
 #include "msg_internal_error.h"
+#include "nivo_help.h"
 #include "nivo_icon.h"
 #include "nivo_safe_connect.h"
 #include "pgm_device.h"
@@ -18,6 +19,7 @@ VEK_DLG_ADD_DEVICE::VEK_DLG_ADD_DEVICE(const std::vector<DEV_FAMILY_ENUM>& famil
       m_config_mode(mode)
 {
     setWindowTitle(tr("Add Device"));
+    nivo_set_help_topic(*this, NIVO_HELP_FLASH_DEVICES);
     setWindowIcon(nivo_get_icon(NIVO_ICON_IMAGEWRIGHT));
     setSizeGripEnabled(false);
     m_device_combo->setObjectName(QStringLiteral("m_device_combo"));

@@ -1,6 +1,7 @@
 #include "vek_dlg_key_entry.h"
 
 #include "msg_internal_error.h"
+#include "nivo_help.h"
 #include "thr_drl.h"
 #include "vek_key_text.h"
 
@@ -17,19 +18,16 @@ namespace
 {
 
 constexpr char BACKSPACE = 8;
-constexpr const char* HELP_TOPIC = "SOF File Properties: Bitstream Encryption - Key Entry";
-
-using HELP_SHOW_CONTEXT = void (*)(const char* topic);
 
 void show_help(const char* topic)
 {
     static THR_DRL_HANDLE module = nullptr;
     if (module == nullptr) {
-        module = thr_drl_load("mod_help");
+        module = thr_drl_load(NIVO_HELP_MODULE);
         VEK_ASSERT_TEXT(module != nullptr, thr_drl_get_error());
     }
-    auto* const show_context =
-        reinterpret_cast<HELP_SHOW_CONTEXT>(thr_drl_find_function(module, "help_show_context_impl"));
+    const auto show_context =
+        reinterpret_cast<NIVO_HELP_SHOW_CONTEXT>(thr_drl_find_function(module, NIVO_HELP_ENTRY));
     VEK_ASSERT_TEXT(show_context != nullptr, thr_drl_get_error());
     show_context(topic);
 }
@@ -320,7 +318,7 @@ void VEK_DLG_KEY_ENTRY::OnOK()
 bool VEK_DLG_KEY_ENTRY::event(QEvent* event)
 {
     if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_F1) {
-        show_help(HELP_TOPIC);
+        show_help(NIVO_HELP_KEY_ENTRY);
     }
     return NIVO_DIALOG::event(event);
 }

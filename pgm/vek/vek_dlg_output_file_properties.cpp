@@ -2,6 +2,7 @@
 
 #include "fio_types.h"
 #include "msg_internal_error.h"
+#include "nivo_help.h"
 #include "nivo_hex_edit.h"
 #include "nivo_icon.h"
 #include "nivo_safe_connect.h"
@@ -43,6 +44,7 @@ VEK_DLG_OUTPUT_FILE_PROPERTIES::VEK_DLG_OUTPUT_FILE_PROPERTIES(std::shared_ptr<P
     const QString extension =
         VEK_GUI_UTIL::from_local(fio_get_extension_string(VEK_DB::get_fio_ext_enum(file_type)));
     setWindowTitle(tr("%1 Properties").arg(extension.mid(1).toUpper()));
+    nivo_set_help_topic(*this, NIVO_HELP_OUTPUT_FILE_PROPERTIES);
     setWindowIcon(nivo_get_icon(NIVO_ICON_IMAGEWRIGHT));
     setSizeGripEnabled(false);
     m_properties = new VEK_PROPERTY_BROWSER(this);

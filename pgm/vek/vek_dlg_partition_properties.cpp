@@ -2,6 +2,7 @@
 
 #include "fio_path.h"
 #include "msg_internal_error.h"
+#include "nivo_help.h"
 #include "nivo_hex_edit.h"
 #include "nivo_icon.h"
 #include "nivo_safe_connect.h"
@@ -76,6 +77,7 @@ VEK_DLG_PARTITION_PROPERTIES::VEK_DLG_PARTITION_PROPERTIES(
       m_name(name), m_device_id(device_id)
 {
     setWindowTitle(type == DLG_TYPE_ADD ? tr("Add Partition") : tr("Edit Partition"));
+    nivo_set_help_topic(*this, NIVO_HELP_PARTITION);
     setWindowIcon(nivo_get_icon(NIVO_ICON_IMAGEWRIGHT));
     setSizeGripEnabled(false);
     create_widgets();

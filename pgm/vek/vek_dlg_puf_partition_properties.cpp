@@ -1,6 +1,7 @@
 #include "vek_dlg_puf_partition_properties.h"
 
 #include "fio_path.h"
+#include "nivo_help.h"
 #include "nivo_icon.h"
 #include "nivo_safe_connect.h"
 #include "vek_element_combo.h"
@@ -28,6 +29,7 @@ VEK_DLG_PUF_PARTITION_PROPERTIES::VEK_DLG_PUF_PARTITION_PROPERTIES(
       m_puf_file_combo(new QComboBox), m_wkey_file_combo(new QComboBox)
 {
     setWindowTitle(tr("Edit Partition"));
+    nivo_set_help_topic(*this, NIVO_HELP_PARTITION);
     setWindowIcon(nivo_get_icon(NIVO_ICON_IMAGEWRIGHT));
     setSizeGripEnabled(false);
     m_name_edit->setObjectName(QStringLiteral("m_name_edit"));

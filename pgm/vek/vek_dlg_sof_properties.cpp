@@ -2,6 +2,7 @@
 
 #include "gen_legal_text.h"
 #include "msg_internal_error.h"
+#include "nivo_help.h"
 #include "nivo_icon.h"
 #include "nivo_safe_connect.h"
 #include "pgm_device.h"
@@ -37,6 +38,7 @@ VEK_DLG_SOF_PROPERTIES::VEK_DLG_SOF_PROPERTIES(const PGM_DEVICE* device, FIO_FIL
       m_output_file_types(std::move(output_file_types))
 {
     setWindowTitle(tr("Input File Properties"));
+    nivo_set_help_topic(*this, NIVO_HELP_INPUT_FILE_PROPERTIES);
     setWindowIcon(nivo_get_icon(NIVO_ICON_IMAGEWRIGHT));
     setSizeGripEnabled(false);
 
@@ -136,6 +138,7 @@ void VEK_DLG_SOF_PROPERTIES::set_property_values(VALUES values)
             continue;
         }
         if (!m_properties->set_widget_value(pair.first, VEK_GUI_UTIL::from_local(pair.second))) {
+            fprintf(stderr, "XXX %d\n", int(pair.first));
             VEK_ASSERT(
                 pair.first == VEK_CMD_PARAM_BITSTREAM_ID || pair.first == VEK_CMD_PARAM_BITSTREAM_PATH ||
                 pair.first == VEK_CMD_PARAM_RAW_FILE_ID || pair.first == VEK_CMD_PARAM_RAW_FILE_RAW_FILE);

@@ -2,6 +2,7 @@
 
 #include "gfpdb_mgr.h"
 #include "msg_internal_error.h"
+#include "nivo_help.h"
 #include "nivo_safe_connect.h"
 #include "pgm_common_xml_vek_auto_export.h"
 #include "tst_mode.h"
@@ -212,12 +213,16 @@ void VEK_FRAME_WND::create_main_frame()
     m_tab_widget->addTab(m_output_files, tr("&Output Files"));
     m_tab_widget->addTab(m_input_files, tr("&Input Files"));
     m_tab_widget->addTab(m_config_device, tr("&Configuration Device"));
+    nivo_set_help_topic(*m_output_files, NIVO_HELP_OUTPUT_FILES);
+    nivo_set_help_topic(*m_input_files, NIVO_HELP_INPUT_FILES);
+    nivo_set_help_topic(*m_config_device, NIVO_HELP_CONFIG_DEVICE);
 
     m_reset_button = new QPushButton(tr("&Reset"));
     m_reset_button->setObjectName(QStringLiteral("m_reset_button"));
     m_generate_button = new QPushButton(tr("&Generate"));
     m_generate_button->setObjectName(QStringLiteral("m_generate_button"));
     m_generate_button->setEnabled(true);
+    nivo_set_help_topic(*m_generate_button, NIVO_HELP_GENERATE);
 
     auto* const tab_box = new QHBoxLayout;
     tab_box->addWidget(m_tab_widget);

@@ -164,6 +164,7 @@ void VEK_PROPERTY_BROWSER::add_property_to_layout(const PROPERTY& property, QGri
     } else {
         grid.addWidget(property.label, row, 0);
         grid.addWidget(property.widget, row, 1);
+        grid.setColumnStretch(1, 1);
     }
     if (std::strncmp(property.widget->metaObject()->className(), "QCheckBox", 9) == 0) {
         grid.setAlignment(property.widget, Qt::AlignLeft);

@@ -6,11 +6,14 @@
 
 #include <QHeaderView>
 
+#include <algorithm>
+
 namespace
 {
 
 constexpr int DEVICE_COLUMN_WIDTH = 160;
 constexpr int INPUT_FILE_COLUMN_WIDTH = 240;
+constexpr int CELL_MARGIN = 12;
 
 } // namespace
 
@@ -22,6 +25,10 @@ VEK_TREE_CONFIG_DEVICE::VEK_TREE_CONFIG_DEVICE(std::shared_ptr<PGM_COMMON_XML_VE
     setModel(model);
     auto* const header = new QHeaderView(Qt::Horizontal);
     header->setModel(model);
+    // Large fonts would cut the addresses.
+    header->setDefaultSectionSize(
+        std::max(header->defaultSectionSize(),
+                 fontMetrics().horizontalAdvance(QStringLiteral("0x00000000")) + CELL_MARGIN));
     header->resizeSection(0, DEVICE_COLUMN_WIDTH);
     header->resizeSection(3, INPUT_FILE_COLUMN_WIDTH);
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);

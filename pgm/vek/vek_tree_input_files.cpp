@@ -12,6 +12,8 @@
 #include <QStyledItemDelegate>
 #include <QtConcurrent>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -52,9 +54,15 @@ VEK_TREE_INPUT_FILES::VEK_TREE_INPUT_FILES(std::shared_ptr<PGM_COMMON_XML_VEK_VE
 
     auto* const header = new QHeaderView(Qt::Horizontal);
     header->setModel(model);
+    // Large fonts would cut the labels.
+    for (int column = 0; column < header->count(); ++column) {
+        header->setDefaultSectionSize(
+            std::max(header->defaultSectionSize(), header->sectionSizeHint(column)));
+    }
     header->resizeSection(VEK_MODEL_INPUT_FILES::COLUMN_FILE_PATH, 220);
     header->resizeSection(VEK_MODEL_INPUT_FILES::COLUMN_DEVICE, 160);
     header->resizeSection(VEK_MODEL_INPUT_FILES::COLUMN_HPS_FILE, 180);
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     setHeader(header);
 
     nivo_safe_connect(selectionModel(), SIGNAL(currentChanged(const QModelIndex&, const QModelIndex&)), this,

@@ -40,7 +40,7 @@ TEST_F(MENU_RECORD_TEST, every_entry_has_a_text_or_is_a_separator)
             EXPECT_TRUE(menu.menu->actions().contains(action)) << action->text().toStdString();
         }
     }
-    EXPECT_EQ(entries, 21 + 10 + 7 + 3);
+    EXPECT_EQ(entries, 21 + 10 + 7 + 4);
 }
 
 TEST_F(MENU_RECORD_TEST, every_position_that_a_tool_touches_holds_an_entry)

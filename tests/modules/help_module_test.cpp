@@ -1,3 +1,4 @@
+#include "nivo_help.h"
 #include "thr_drl.h"
 
 #include <QDialog>
@@ -53,6 +54,20 @@ TEST_F(HELP_MODULE, shows_the_overview_for_a_topic_without_a_page)
 {
     show_help("nothing of the kind");
     EXPECT_TRUE(shown_page().startsWith("Overview"));
+}
+
+TEST_F(HELP_MODULE, has_a_page_of_its_own_for_every_topic)
+{
+    QStringList pages;
+    for (const char* const topic :
+         {NIVO_HELP_OVERVIEW, NIVO_HELP_OUTPUT_FILES, NIVO_HELP_OUTPUT_FILE_PROPERTIES, NIVO_HELP_INPUT_FILES,
+          NIVO_HELP_INPUT_FILE_PROPERTIES, NIVO_HELP_KEY_ENTRY, NIVO_HELP_CONFIG_DEVICE, NIVO_HELP_PARTITION,
+          NIVO_HELP_FLASH_DEVICES, NIVO_HELP_DEVICE_OPTIONS, NIVO_HELP_GENERATE, NIVO_HELP_MESSAGES}) {
+        show_help(topic);
+        pages << shown_page();
+    }
+    EXPECT_EQ(pages.removeDuplicates(), 0);
+    EXPECT_EQ(pages.size(), help_windows().first()->findChild<QListWidget*>("m_title_list")->count());
 }
 
 TEST_F(HELP_MODULE, stays_one_window_whatever_is_asked)
