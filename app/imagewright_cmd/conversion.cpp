@@ -3,6 +3,7 @@
 #include "bitstream_file.h"
 #include "fio_path.h"
 #include "inspect.h"
+#include "output_plan.h"
 #include "parameter_text.h"
 #include "partition_rules.h"
 #include "pgm_device.h"
@@ -44,8 +45,8 @@ public:
 
     std::unique_ptr<PGM_COMMON_XML_VEK_VEK> run()
     {
-        const bool made =
-            find_type() && read_inputs() && find_mode() && add_output() && add_flash() && add_options();
+        const bool made = find_type() && read_inputs() && find_mode() && add_output() && add_flash() &&
+                          add_options() && is_named_right();
         return made ? std::move(m_document) : nullptr;
     }
 
@@ -397,6 +398,20 @@ private:
             }
         }
         return true;
+    }
+
+    /// Some options add to the name of the file, and the user is to find it where it was asked for.
+    bool is_named_right()
+    {
+        const std::vector<OUTPUT_PLAN> plans = plan_outputs(SETUP_VIEW(*m_document), "");
+        return same_path(plans.front().path, m_request.output) ||
+               usage("With these options the file is named " + plans.front().path +
+                     "; name it so behind -o.");
+    }
+
+    static bool same_path(const std::string& a, const std::string& b)
+    {
+        return FIO_PATH(absolute_path(a)) == FIO_PATH(absolute_path(b));
     }
 
     /// An option holds for all elements of its kind that the conversion has.

@@ -96,6 +96,24 @@ TEST_F(CONVERT, two_bitstreams_of_a_secure_family_get_the_boot_layout)
                 testing::ElementsAre("BOOT_INFO", "SPT0", "SPT1", "CPB0", "CPB1", "FACTORY_IMAGE", "P1"));
 }
 
+TEST_F(CONVERT, key_data_of_a_secure_device_goes_into_its_own_partition)
+{
+    const std::string input = m_board.bitstream("a.sof", "ZR9A012", "ASX4", 70000);
+    write_file(m_board.path("a.puf"), std::string(4096, 'p'));
+    write_file(m_board.path("a.wkey"), std::string(512, 'w'));
+    write_file(m_board.path("a.bin"), std::string(100, 'd'));
+    expect_same_from_setup({input, m_board.path("a.bin"), m_board.path("a.puf"), m_board.path("a.wkey"),
+                            "--device", "MT25QL512"},
+                           "board.pof");
+    const JSON map = run({"map", m_board.path("saved.vek"), "--json"}).json();
+    std::vector<std::string> rows;
+    for (const JSON& partition : map.at("devices").at(0).at("partitions")) {
+        rows.push_back(partition.at("name").get<std::string>() + ": " +
+                       partition.at("files").get<std::string>());
+    }
+    EXPECT_THAT(rows, testing::UnorderedElementsAre("PUF: a.puf, a.wkey", "P1: a.sof", "D1: a.bin"));
+}
+
 TEST_F(CONVERT, the_mode_comes_from_the_bitstream_or_fits_the_output)
 {
     expect_same_from_setup({m_board.bitstream("fpp.sof", "BS1L15", "FPP")}, "top.rbf");
@@ -155,6 +173,8 @@ TEST_F(CONVERT, wrong_requests_are_answered_with_what_would_be_right)
         {{input, "-o", rbf, "--option", "path_compresion=1"}, "Did you mean \"path_compression\""},
         {{input, "-o", rbf, "--option", "id=1"}, "is a parameter of several options; write raw_file.id, "},
         {{input, "-o", rbf, "--option", "path_compression"}, "write PARAM=VALUE."},
+        {{input, "-o", rbf, "--option", "output_file.name=other"},
+         "With these options the file is named " + m_board.path("other.rbf") + "; name it so behind -o."},
         {{input, "-o", rbf, "--option", "page=1"}, "belongs to one assignment; keep the setup with --save"},
         {{input, "-o", rbf, "--option", "path_password=secret"}, "is a secret, which no setup keeps"},
         {{input, "-o", rbf, "--option", "watchdog_value=1"}, "and this conversion has none."},
