@@ -170,33 +170,23 @@ private:
         if (!complete_ids(document, step.option, step.params, message)) {
             return false;
         }
-        message = explain_refusal(step.option, step.params, step.verb == VERB::SET);
+        if (step.verb == VERB::SET) {
+            return set_values(document, step.option, step.params, message);
+        }
+        message = explain_refusal(step.option, step.params, false);
         if (!message.empty()) {
             return false;
         }
-        bool done = true;
-        switch (step.verb) {
-        case VERB::SET:
-            done = VEK_FILE_ASSISTANT::set(&document, step.option, step.params);
-            break;
-        case VERB::REMOVE:
-            done = VEK_FILE_ASSISTANT::remove(&document, step.option, step.params);
-            break;
-        case VERB::GET: {
+        if (step.verb == VERB::GET) {
             const PARAMS found = VEK_FILE_ASSISTANT::get(&document, step.option, step.params);
             values.push_back(values_json(step, found));
             text += joined(found);
-            break;
+            return true;
         }
-        }
-        if (!done) {
-            message = std::string("The setup cannot be changed in that way: ") +
-                      (step.verb == VERB::REMOVE ? "remove takes the parameters that pick an element, and no "
-                                                   "values of it."
-                                                 : "the parameters do not go together, or the id belongs to "
-                                                   "another element.");
-        }
-        return done;
+        message =
+            "The setup cannot be changed in that way: remove takes the parameters that pick an element, "
+            "and no values of it.";
+        return VEK_FILE_ASSISTANT::remove(&document, step.option, step.params);
     }
 
     EXIT_CODE write(const COMMAND_CONTEXT& context, const PGM_COMMON_XML_VEK_VEK& document) const

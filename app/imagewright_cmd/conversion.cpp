@@ -1,11 +1,11 @@
 #include "conversion.h"
 
 #include "bitstream_file.h"
+#include "conversion_flash.h"
 #include "fio_path.h"
 #include "inspect.h"
 #include "output_plan.h"
 #include "parameter_text.h"
-#include "partition_rules.h"
 #include "pgm_device.h"
 #include "precheck.h"
 #include "scheme_words.h"
@@ -51,11 +51,6 @@ public:
     }
 
 private:
-    struct RAW_INPUT {
-        std::string path;
-        std::string word;
-    };
-
     bool fail(CONVERSION_FAILURE failure, const std::string& sentence)
     {
         m_failure = failure;
@@ -67,13 +62,7 @@ private:
 
     bool set(PGM_COMMON_XML_VEK_CMD_OPT_ENUM option, const PARAMS& params)
     {
-        const std::string refusal = explain_refusal(option, params, true);
-        if (!refusal.empty()) {
-            return usage(refusal);
-        }
-        return VEK_FILE_ASSISTANT::set(m_document.get(), option, params) ||
-               usage(std::string("The values of ") + PGM_COMMON_XML_VEK_CMD_OPT[option] +
-                     " do not go together.");
+        return set_values(*m_document, option, params, m_message) || usage(m_message);
     }
 
     bool find_type()
@@ -125,7 +114,7 @@ private:
             return true;
         }
         return usage("Files of the type " + word_of(m_type) + " are made from bitstreams, and " +
-                     m_raw_files.front().path +
+                     VEK_FILE_ASSISTANT::get_raw_file_elements(m_document.get()).front()->text +
                      " is a raw file; imagewright-cmd pack makes a bitstream of it.");
     }
 
@@ -150,11 +139,10 @@ private:
 
     bool add_raw_file(const std::string& path, const std::string& word)
     {
-        m_raw_files.push_back({path, word});
-        return set(VEK_CMD_OPT_RAW_FILE,
-                   {{VEK_CMD_PARAM_RAW_FILE_ID, RAW_FILE_ID_PREFIX + std::to_string(m_raw_files.size())},
-                    {VEK_CMD_PARAM_RAW_FILE_TYPE, word},
-                    {VEK_CMD_PARAM_RAW_FILE_RAW_FILE, path}});
+        m_raw_files.push_back({RAW_FILE_ID_PREFIX + std::to_string(m_raw_files.size() + 1), word});
+        return set(VEK_CMD_OPT_RAW_FILE, {{VEK_CMD_PARAM_RAW_FILE_ID, m_raw_files.back().id},
+                                          {VEK_CMD_PARAM_RAW_FILE_TYPE, word},
+                                          {VEK_CMD_PARAM_RAW_FILE_RAW_FILE, path}});
     }
 
     /// The mode that was asked for, that of the bitstream, or the first that goes with family and type.
@@ -260,7 +248,7 @@ private:
         }
         return set(VEK_CMD_OPT_FLASH_DEVICE, {{VEK_CMD_PARAM_FLASH_DEVICE_ID, flash_id()},
                                               {VEK_CMD_PARAM_FLASH_DEVICE_TYPE, device}}) &&
-               add_loader() && add_reserved() && add_own();
+               add_loader() && lay_out();
     }
 
     bool add_loader()
@@ -280,110 +268,10 @@ private:
                                                                                                  : m_mode;
     }
 
-    DEV_FAMILY_ENUM family() const { return m_device != nullptr ? m_device->family : DEV_FAMILY_NONE; }
-
-    bool add_reserved()
+    bool lay_out()
     {
-        const bool has_puf = std::any_of(m_raw_files.begin(), m_raw_files.end(), [](const RAW_INPUT& file) {
-            return file.word == VEK_FILE_ASSISTANT::convert_xml_enum_to_string(PGM_COMMON_XML_ENUM_PUF);
-        });
-        std::size_t next = 0;
-        for (const VEK_UTIL_PARTITION_INFO& partition : VEK_UTIL::get_reserved_partitions(
-                 layout_mode(), family(), m_device != nullptr ? m_device->device : DEV_DEVICE_NONE,
-                 m_bitstreams.size() >= 2, has_puf, FIO_INVALID_FILE)) {
-            const auto flag = VEK_FILE_ASSISTANT::convert_bool_to_string;
-            const PARAMS params{
-                {VEK_CMD_PARAM_FLASH_DEVICE_ID, flash_id()},
-                {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_ID, partition.name},
-                {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_RESERVED, flag(true)},
-                {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_FIXED_S_ADDR, flag(partition.fixed_start)},
-                {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_FIXED_E_ADDR, flag(partition.fixed_end)},
-                {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_S_ADDR, partition.start},
-                {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_E_ADDR, partition.end}};
-            if (!set(VEK_CMD_OPT_FLASH_DEVICE, params) || !assign_reserved(partition.name, next)) {
-                return false;
-            }
-        }
-        m_placed = next;
-        return true;
-    }
-
-    /// `next`: the first bitstream that has no place yet.
-    bool assign_reserved(const std::string& partition, std::size_t& next)
-    {
-        if (partition == "BOOT_INFO") {
-            return assign(partition, VEK_CMD_PARAM_ASSIGNMENT_BITSTREAM_ID, m_bitstreams.front(), "");
-        }
-        if (partition == "PUF") {
-            return assign_raw_files(partition, true);
-        }
-        const bool holds_image = partition == "FACTORY_IMAGE" || partition == "CFM0" || partition == "CFM1";
-        if (!holds_image || next == m_bitstreams.size()) {
-            return true;
-        }
-        const bool has_page = partition_rule_has_page(partition, layout_mode(), family());
-        const std::string page = has_page ? std::to_string(next) : "";
-        return assign(partition, VEK_CMD_PARAM_ASSIGNMENT_BITSTREAM_ID, m_bitstreams[next++], page);
-    }
-
-    bool assign(const std::string& partition, PGM_COMMON_XML_VEK_CMD_PARAM_ENUM kind, const std::string& id,
-                const std::string& page)
-    {
-        PARAMS params{{VEK_CMD_PARAM_ASSIGNMENT_PARTITION_ID, partition}, {kind, id}};
-        if (!page.empty()) {
-            params.emplace_back(VEK_CMD_PARAM_ASSIGNMENT_PAGE, page);
-        }
-        return set(VEK_CMD_OPT_ASSIGNMENT, params);
-    }
-
-    static bool goes_with_puf(const RAW_INPUT& file)
-    {
-        return file.word == VEK_FILE_ASSISTANT::convert_xml_enum_to_string(PGM_COMMON_XML_ENUM_PUF) ||
-               file.word == VEK_FILE_ASSISTANT::convert_xml_enum_to_string(PGM_COMMON_XML_ENUM_WKEY);
-    }
-
-    bool assign_raw_files(const std::string& partition, bool with_puf)
-    {
-        PARAMS params{{VEK_CMD_PARAM_ASSIGNMENT_PARTITION_ID, partition}};
-        for (std::size_t i = 0; i < m_raw_files.size(); ++i) {
-            if (goes_with_puf(m_raw_files[i]) == with_puf) {
-                params.emplace_back(VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID,
-                                    RAW_FILE_ID_PREFIX + std::to_string(i + 1));
-            }
-        }
-        return set(VEK_CMD_OPT_ASSIGNMENT, params);
-    }
-
-    /// A partition for each input that has no place yet.
-    bool add_own()
-    {
-        for (; m_placed < m_bitstreams.size(); ++m_placed) {
-            const std::string name = "P" + std::to_string(++m_own);
-            if (!add_partition(name) || !assign(name, VEK_CMD_PARAM_ASSIGNMENT_BITSTREAM_ID,
-                                                m_bitstreams[m_placed], std::to_string(m_placed))) {
-                return false;
-            }
-        }
-        for (std::size_t i = 0; i < m_raw_files.size(); ++i) {
-            const bool is_placed =
-                goes_with_puf(m_raw_files[i]) &&
-                VEK_FILE_ASSISTANT::get_assignment_element(m_document.get(), "PUF") != nullptr;
-            const std::string name = "D" + std::to_string(i + 1);
-            if (!is_placed &&
-                (!add_partition(name) || !assign(name, VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID,
-                                                 RAW_FILE_ID_PREFIX + std::to_string(i + 1), ""))) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    bool add_partition(const std::string& name)
-    {
-        return set(VEK_CMD_OPT_FLASH_DEVICE, {{VEK_CMD_PARAM_FLASH_DEVICE_ID, flash_id()},
-                                              {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_ID, name},
-                                              {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_S_ADDR, "auto"},
-                                              {VEK_CMD_PARAM_FLASH_DEVICE_PARTITION_E_ADDR, "auto"}});
+        const FLASH_INPUTS inputs{m_device, layout_mode(), m_bitstreams, m_raw_files};
+        return lay_out_inputs(*m_document, flash_id(), inputs, m_message) || usage(m_message);
     }
 
     bool add_options()
@@ -465,9 +353,7 @@ private:
     PGMIO_CONFIG_SCHEME m_scheme = PGMIO_CONFIG_SCHEME_ILLEGAL; ///< of the first bitstream
     const PGM_DEVICE* m_device = nullptr;                       ///< of the first bitstream
     std::vector<std::string> m_bitstreams;
-    std::vector<RAW_INPUT> m_raw_files;
-    std::size_t m_placed = 0; ///< bitstreams that have a partition
-    unsigned m_own = 0;       ///< partitions named P1, P2...
+    std::vector<FLASH_INPUTS::RAW_FILE> m_raw_files;
 };
 
 } // namespace

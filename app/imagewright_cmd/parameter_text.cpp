@@ -254,3 +254,18 @@ std::string explain_refusal(PGM_COMMON_XML_VEK_CMD_OPT_ENUM option, const PARAMS
                ? "An assignment takes a bitstream or raw files, not both; name one kind."
                : "";
 }
+
+bool set_values(PGM_COMMON_XML_VEK_VEK& document, PGM_COMMON_XML_VEK_CMD_OPT_ENUM option,
+                const PARAMS& params, std::string& message)
+{
+    message = explain_refusal(option, params, true);
+    if (!message.empty()) {
+        return false;
+    }
+    if (!VEK_FILE_ASSISTANT::set(&document, option, params)) {
+        message = std::string("The values of ") + PGM_COMMON_XML_VEK_CMD_OPT[option] +
+                  " do not go together, or the id belongs to another element.";
+        return false;
+    }
+    return true;
+}

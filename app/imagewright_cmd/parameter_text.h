@@ -25,6 +25,10 @@ bool param_from_qualified_word(const std::string& word, VEK_FILE_ASSISTANT::PARA
 std::string explain_refusal(PGM_COMMON_XML_VEK_CMD_OPT_ENUM option, const VEK_FILE_ASSISTANT::PARAMS& params,
                             bool stores);
 
+/// Stores the values. False with a whole sentence in `message` when that is refused.
+bool set_values(PGM_COMMON_XML_VEK_VEK& document, PGM_COMMON_XML_VEK_CMD_OPT_ENUM option,
+                const VEK_FILE_ASSISTANT::PARAMS& params, std::string& message);
+
 /// The names nearest to a word, at most three; those that end like it count as near.
 std::vector<std::string> nearest_names(const std::string& word, const std::vector<std::string>& names);
 
