@@ -195,6 +195,7 @@ bool list_setups(const std::vector<std::string>& arguments, std::vector<std::str
             setups.push_back(argument);
             continue;
         }
+        const std::size_t before = setups.size();
         std::filesystem::directory_iterator entry(argument, error);
         for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
             if (fio_get_file_type(entry->path().string()) == FIO_VEK_SETUP_FILE) {
@@ -203,6 +204,10 @@ bool list_setups(const std::vector<std::string>& arguments, std::vector<std::str
         }
         if (error) {
             message = argument + " cannot be read: " + error.message() + ".";
+            return false;
+        }
+        if (setups.size() == before) {
+            message = argument + " is a directory without a setup file (.vek); name another or a setup.";
             return false;
         }
     }

@@ -24,7 +24,8 @@ struct SHARD {
 bool parse_shard(const std::string& text, SHARD& shard, std::string& message);
 
 /// The setups that arguments name, sorted by their bytes and each once: files as they are, and for a
-/// directory the setup files that lie in it. False with a sentence when a directory cannot be read.
+/// directory the setup files that lie in it. False with a sentence when a directory cannot be read or has
+/// none.
 bool list_setups(const std::vector<std::string>& arguments, std::vector<std::string>& setups,
                  std::string& message);
 

@@ -27,6 +27,7 @@ const CALL CALLS[] = {
     {{"generate", "@/passive.vek", "--nonsense"}, EXIT_CODE_USAGE},
     {{"generate", "@/missing.vek"}, EXIT_CODE_INPUT_UNREADABLE},
     {{"generate", "@"}, EXIT_CODE_INPUT_UNREADABLE},
+    {{"generate", "@/out"}, EXIT_CODE_INPUT_UNREADABLE},
     {{"generate", "@/passive.vek", "--output-directory", "@/blocked"}, EXIT_CODE_REFUSED},
 
     {{"convert", "@/top.sof", "-o", "@/top.rbf"}, EXIT_CODE_DONE},

@@ -103,6 +103,15 @@ TEST_F(FLEET, a_shard_without_setups_is_done_at_once)
     EXPECT_EQ(answer.out, "Generated 0 of 0 setups.\n");
 }
 
+TEST_F(FLEET, a_directory_without_setups_is_an_error)
+{
+    write_file(m_board.path("units/notes.txt"), std::string("x"));
+    const ANSWER answer = run({"generate", m_board.path("units")});
+    EXPECT_EQ(answer.exit_code, EXIT_CODE_INPUT_UNREADABLE);
+    EXPECT_EQ(answer.err, "imagewright-cmd: " + m_board.path("units") +
+                              " is a directory without a setup file (.vek); name another or a setup.\n");
+}
+
 TEST_F(FLEET, a_shard_that_is_none_is_refused)
 {
     for (const std::string shard : {"0/3", "4/3", "3", "1/0", "1/3x", "-1/3", "a/b"}) {
