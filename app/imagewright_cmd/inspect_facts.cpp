@@ -130,6 +130,8 @@ JSON stream_facts_json(const std::string& path, const STREAM_FACTS& facts)
         JSON entry{{"device", image.device.name},
                    {"idcode", hex_text(image.device.idcode)},
                    {"partial", image.partial},
+                   {"decompression_during_pr", image.decompression_during_pr},
+                   {"replaces_factory", image.replaces_factory},
                    {"offset", hex_text(image.offset)}};
         add_scheme(entry, image.scheme);
         entry["options"] = image.options.empty() ? JSON::object() : JSON(image.options);

@@ -2,9 +2,9 @@
 
 #include "atomic_file.h"
 #include "bitstream_file.h"
-#include "firmware_archive.h"
 #include "frame_compressor.h"
 #include "frame_sealer.h"
+#include "image_parts.h"
 #include "little_endian.h"
 #include "stream_key.h"
 #include "stream_packets.h"
@@ -19,35 +19,6 @@
 namespace
 {
 
-/// One part of the configuration data of an input.
-struct PART_INPUT {
-    STREAM_PART part;
-    std::shared_ptr<const BYTE_SOURCE> bytes;
-    const BITSTREAM_SECTION* section; ///< states the checksum; null for a file of its own
-};
-
-struct SECTION_OF_PART {
-    STREAM_PART part;
-    SECTION_TAG tag;
-};
-constexpr SECTION_OF_PART SECTIONS_OF_PARTS[] = {{STREAM_PART::PERIPHERY, SECTION_PERIPHERY},
-                                                 {STREAM_PART::CORE, SECTION_CORE},
-                                                 {STREAM_PART::FIRMWARE, SECTION_FIRMWARE},
-                                                 {STREAM_PART::BOOTLOADER, SECTION_BOOTLOADER}};
-
-bool is_selected(STREAM_PART part, STREAM_SELECTION selection)
-{
-    switch (selection) {
-    case STREAM_SELECTION::ALL:
-        return true;
-    case STREAM_SELECTION::PERIPHERY:
-        return part != STREAM_PART::CORE;
-    case STREAM_SELECTION::CORE:
-        return part == STREAM_PART::CORE;
-    }
-    return false;
-}
-
 /// Collects the stream: small things and compressed frames as bytes, plain frames as references to the input.
 class STREAM_ASSEMBLY
 {
@@ -59,12 +30,7 @@ public:
 
     void packet(std::uint8_t opcode, std::span<const std::uint8_t> payload)
     {
-        RECORD_WRITER writer;
-        writer.u8(opcode);
-        writer.u24(static_cast<std::uint32_t>(payload.size()));
-        writer.bytes(payload);
-        writer.u32(crc32(writer.content()));
-        memory(writer.content());
+        memory(encode_packet(opcode, payload));
     }
 
     /// What follows, up to the next, is one image.
@@ -240,73 +206,6 @@ bool append_part(const PART_INPUT& input, STREAM_METHOD method, const std::strin
     return true;
 }
 
-/// `archive` is filled when the firmware comes from one.
-bool collect_parts(const STREAM_INPUT& input, const BITSTREAM_FILE& file, STREAM_SELECTION selection,
-                   std::vector<PART_INPUT>& parts, FIRMWARE_ARCHIVE& archive, std::string& message)
-{
-    for (const SECTION_OF_PART& row : SECTIONS_OF_PARTS) {
-        if (!is_selected(row.part, selection))
-            continue;
-        if (row.part == STREAM_PART::BOOTLOADER && !input.hps_path.empty()) {
-            const std::shared_ptr<const BYTE_SOURCE> bytes = FILE_SOURCE::open(input.hps_path, message);
-            if (!bytes)
-                return false;
-            parts.push_back({row.part, bytes, nullptr});
-        } else if (row.part == STREAM_PART::FIRMWARE && !input.firmware_path.empty()) {
-            if (!open_firmware_archive(input.firmware_path, true, archive, message))
-                return false;
-            parts.push_back({row.part, archive.firmware, nullptr});
-        } else if (file.find(row.tag) != nullptr) {
-            parts.push_back({row.part, file.section(row.tag), file.find(row.tag)});
-        }
-    }
-    const bool any = std::any_of(parts.begin(), parts.end(), [](const PART_INPUT& part) {
-        return part.bytes->size() != 0 &&
-               (part.part == STREAM_PART::CORE || part.part == STREAM_PART::PERIPHERY);
-    });
-    if (!any) {
-        message = input.path + " holds no " +
-                  (selection == STREAM_SELECTION::PERIPHERY ? "periphery data." : "core data.");
-        return false;
-    }
-    return true;
-}
-
-void append_records(const STREAM_INPUT& input, const BITSTREAM_FILE& file,
-                    const std::vector<PART_INPUT>& parts, const FIRMWARE_ARCHIVE& archive,
-                    STREAM_ASSEMBLY& stream)
-{
-    std::array<std::uint64_t, STREAM_PART_COUNT> lengths{};
-    for (const PART_INPUT& part : parts)
-        lengths[static_cast<std::size_t>(part.part)] = part.bytes->size();
-    RECORD_WRITER device;
-    device.u8(static_cast<std::uint8_t>((file.kind() == BITSTREAM_KIND::PMSF ? DEVICE_FLAG_PARTIAL : 0) |
-                                        (input.signer ? DEVICE_FLAG_SIGNED : 0)));
-    for (const std::uint64_t length : lengths)
-        device.u64(length);
-    device.bytes(encode_device(file.device()));
-    stream.packet(OPCODE_DEVICE, device.content());
-    if (file.scheme())
-        stream.packet(OPCODE_SCHEME, encode_scheme(*file.scheme()));
-    if (!file.options().empty())
-        stream.packet(OPCODE_OPTIONS, encode_options(file.options()));
-    // The name of a file on the user's machine has no place in a programming file.
-    if (input.option_block || file.option_word() != 0)
-        stream.packet(
-            OPCODE_OPTION_BLOCK,
-            encode_option_block(input.option_block ? *input.option_block : file.option_block(), false));
-    if (!file.regions().empty())
-        stream.packet(OPCODE_REGIONS, encode_regions(file.regions()));
-    if (input.encryption)
-        stream.packet(OPCODE_KEY_INFO, encode_key_info(input.encryption->info));
-    if (archive.firmware) {
-        RECORD_WRITER writer;
-        writer.bytes(archive.header);
-        writer.bytes(encode_signature(archive.key, archive.signature));
-        stream.packet(OPCODE_FIRMWARE_INFO, writer.content());
-    }
-}
-
 bool append_image(const STREAM_INPUT& input, STREAM_SELECTION selection, STREAM_ASSEMBLY& stream,
                   std::string& message)
 {
@@ -316,12 +215,12 @@ bool append_image(const STREAM_INPUT& input, STREAM_SELECTION selection, STREAM_
         return false;
     }
     const auto file = BITSTREAM_FILE::open(input.path, message);
-    std::vector<PART_INPUT> parts;
-    FIRMWARE_ARCHIVE archive;
-    if (!file || !collect_parts(input, *file, selection, parts, archive, message))
+    IMAGE_PARTS image;
+    if (!file || !collect_parts(input, *file, selection, image, message))
         return false;
     stream.begin_image(input.signer != nullptr);
-    append_records(input, *file, parts, archive, stream);
+    for (const STREAM_RECORD& record : image_records(input, *file, image))
+        stream.packet(record.opcode, record.payload);
     std::optional<FRAME_SEALER> sealer;
     const FRAME_SEALER::CHAIN start = stream.chain_start();
     if (input.encryption)
@@ -329,7 +228,7 @@ bool append_image(const STREAM_INPUT& input, STREAM_SELECTION selection, STREAM_
     const STREAM_METHOD method = input.enhanced_compression ? STREAM_METHOD::ZSTD
                                  : input.compression        ? STREAM_METHOD::LZ4
                                                             : STREAM_METHOD::PLAIN;
-    const bool appended = std::all_of(parts.begin(), parts.end(), [&](const PART_INPUT& part) {
+    const bool appended = std::all_of(image.parts.begin(), image.parts.end(), [&](const PART_INPUT& part) {
         return append_part(part, method, input.path, sealer ? &*sealer : nullptr, stream, message);
     });
     return appended && (!input.signer || stream.sign(*input.signer, message));

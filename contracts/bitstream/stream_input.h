@@ -12,10 +12,12 @@ class STREAM_SIGNER;
 
 /// One file of a bitstream with what the setup asks to be done to it (the attributes of a PATH element).
 struct STREAM_INPUT {
-    std::string path;                  ///< absolute path of the SOF or PMSF file, in the local encoding
-    bool compression = false;          ///< LZ4
-    bool enhanced_compression = false; ///< Zstandard; excludes compression
-    std::string hps_path{};            ///< bootloader file, empty for none
+    std::string path;                     ///< absolute path of the SOF or PMSF file, in the local encoding
+    bool compression = false;             ///< LZ4
+    bool enhanced_compression = false;    ///< Zstandard; excludes compression
+    bool decompression_during_pr = false; ///< the device decompresses while it reconfigures a region
+    bool replaces_factory = false;        ///< the image is an update of the factory image
+    std::string hps_path{};               ///< bootloader file, empty for none
     /// On-chip options in place of those of the file.
     std::optional<DSET_OTI_DEV_OPTIONS_INFO> option_block{};
     std::string firmware_path{}; ///< archive of co-signed firmware in place of the file's own; empty for none

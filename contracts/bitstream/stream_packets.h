@@ -34,5 +34,7 @@ inline constexpr std::size_t FRAMES_LIMIT = 1024 * 1024;
 inline constexpr std::size_t SEAL_SIZE = 12 + 16;
 inline constexpr std::uint8_t DEVICE_FLAG_PARTIAL = 0x01;
 inline constexpr std::uint8_t DEVICE_FLAG_SIGNED = 0x02;
+inline constexpr std::uint8_t DEVICE_FLAG_DECOMPRESSION = 0x04; ///< while the device reconfigures
+inline constexpr std::uint8_t DEVICE_FLAG_FACTORY = 0x08;       ///< the image replaces the factory image
 
 #endif

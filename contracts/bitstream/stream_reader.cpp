@@ -207,13 +207,16 @@ bool STREAM_WALK::take_device(std::string& reason)
     for (std::uint64_t& length : image.part_length)
         length = reader.u64();
     const std::size_t record = reader.left();
-    if (!reader.good() || (flags & ~(DEVICE_FLAG_PARTIAL | DEVICE_FLAG_SIGNED)) != 0) {
+    if (!reader.good() || (flags & ~(DEVICE_FLAG_PARTIAL | DEVICE_FLAG_SIGNED | DEVICE_FLAG_DECOMPRESSION |
+                                     DEVICE_FLAG_FACTORY)) != 0) {
         reason = "the device packet is malformed";
         return false;
     }
     if (!decode_device(reader.bytes(record), image.device, reason))
         return false;
     image.partial = (flags & DEVICE_FLAG_PARTIAL) != 0;
+    image.decompression_during_pr = (flags & DEVICE_FLAG_DECOMPRESSION) != 0;
+    image.replaces_factory = (flags & DEVICE_FLAG_FACTORY) != 0;
     image.offset = m_offset;
     m_facts.images.push_back(image);
     m_last_record = OPCODE_DEVICE;

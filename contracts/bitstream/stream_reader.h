@@ -36,6 +36,8 @@ struct STREAM_FIRMWARE_FACTS {
 struct STREAM_IMAGE_FACTS {
     BITSTREAM_DEVICE device;
     bool partial = false;
+    bool decompression_during_pr = false; ///< the device decompresses while it reconfigures a region
+    bool replaces_factory = false;        ///< the image is an update of the factory image
     std::optional<std::uint32_t> scheme;
     BITSTREAM_OPTIONS options;
     std::uint32_t option_word = 0; ///< 0 without on-chip option block

@@ -101,6 +101,21 @@ private:
     SIGNING_DESK m_desk;
 };
 
+class SIZING_SIGNER final : public STREAM_SIGNER
+{
+public:
+    explicit SIZING_SIGNER(ECDSA_PUBLIC_KEY key) : m_public_key(std::move(key)) {}
+    const ECDSA_PUBLIC_KEY& public_key() const override { return m_public_key; }
+    bool sign(const SHA384_DIGEST&, std::vector<std::uint8_t>& signature, std::string&) const override
+    {
+        signature.assign(2 * ecdsa_size(m_public_key.curve), 0);
+        return true;
+    }
+
+private:
+    ECDSA_PUBLIC_KEY m_public_key;
+};
+
 /// The label of the first PEM block that is no parameter block, and the block's text.
 bool find_block(const SECRET_BYTES& bytes, std::string& label, SECRET_BYTES& block)
 {
@@ -244,4 +259,9 @@ std::shared_ptr<const STREAM_SIGNER> make_desk_signer(const ECDSA_PUBLIC_KEY& ke
                                                       const SIGNING_DESK& desk)
 {
     return std::make_shared<DESK_SIGNER>(key, name, desk);
+}
+
+std::shared_ptr<const STREAM_SIGNER> make_sizing_signer(const ECDSA_PUBLIC_KEY& key)
+{
+    return std::make_shared<SIZING_SIGNER>(key);
 }

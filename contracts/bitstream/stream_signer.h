@@ -3,6 +3,7 @@
 
 #include "ecdsa.h"
 #include "secret_bytes.h"
+#include "signing_desk.h"
 
 #include <memory>
 #include <string>
@@ -30,17 +31,12 @@ struct PEM_KEY {
 /// never a part of the key.
 bool load_pem_key(const std::string& path, const SECRET_BYTES* password, PEM_KEY& key, std::string& message);
 
-/// Where the digests of a key that is kept elsewhere go to and its signatures come from. Digest and signature
-/// are a pair of files: "<name>-<first 16 digits of the digest>.sha384", 48 bytes, and the same with ".sig",
-/// r and s in DER or as they are.
-struct SIGNING_DESK {
-    std::string digest_directory{};    ///< digests are written here, and nothing is signed; empty for not
-    std::string signature_directory{}; ///< signatures are taken from here; empty for not
-};
-
 /// A signer that writes digests, with a signature of zeros that must go nowhere, or takes signatures in and
 /// verifies each. `name`: of what is signed, without directories.
 std::shared_ptr<const STREAM_SIGNER> make_desk_signer(const ECDSA_PUBLIC_KEY& key, const std::string& name,
                                                       const SIGNING_DESK& desk);
+
+/// A signer whose signatures are zeros of the right size, for streams of which only the size matters.
+std::shared_ptr<const STREAM_SIGNER> make_sizing_signer(const ECDSA_PUBLIC_KEY& key);
 
 #endif

@@ -120,9 +120,11 @@ private:
         check_image();
         LOADED_IMAGE image;
         const std::uint64_t flags = cursor.number(1);
-        require(flags < 4, "unknown flags");
+        require(flags < 16, "unknown flags");
         image.partial = (flags & 1U) != 0;
         m_signature_due = (flags & 2U) != 0;
+        image.decompression_during_pr = (flags & 4U) != 0;
+        image.replaces_factory = (flags & 8U) != 0;
         m_chain.clear();
         image.signed_begin = m_packet_start;
         for (std::uint64_t& length : m_lengths)

@@ -19,6 +19,8 @@ struct LOADED_IMAGE {
     std::string device;
     std::uint32_t idcode = 0;
     bool partial = false;
+    bool decompression_during_pr = false;
+    bool replaces_factory = false;
     std::optional<std::uint32_t> scheme;
     std::map<std::string, bool> options;
     std::vector<std::uint8_t> option_block; ///< the record as it stands; empty for none
