@@ -2,9 +2,13 @@
 #define FORMAT_H
 
 #include "byte_source.h"
+#include "key_info.h"
+#include "measurement.h"
 
 #include <array>
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -49,6 +53,16 @@ enum class JTAG_OPERATION : std::uint8_t {
     BLANK_CHECK_AND_PROGRAM ///< program, provided that the device is blank
 };
 
+/// The key of a device, for the file that programs it.
+struct KEY_PROGRAM {
+    std::string device;
+    std::uint32_t idcode = 0;
+    KEY_INFO info;
+    std::span<const std::uint8_t> key; ///< in memory of the caller's, who overwrites it
+};
+
+class STREAM_SIGNER;
+
 /// What a file is made of and how it is to be written. Every format takes what concerns it.
 struct FORMAT_REQUEST {
     const BYTE_SOURCE* image = nullptr; ///< the configuration stream or the flash image
@@ -63,6 +77,9 @@ struct FORMAT_REQUEST {
     JTAG_OPERATION operation = JTAG_OPERATION::PROGRAM; ///< SVF
     std::uint64_t frequency = 0;                        ///< SVF: highest TCK frequency in Hz, 0 for any
     std::string voltage;                                ///< SVF: supply voltage, "3.3"; empty to leave it out
+    std::vector<KEY_PROGRAM> keys;                      ///< EKP
+    std::vector<IMAGE_MEASUREMENTS> measurements;       ///< RIM
+    const STREAM_SIGNER* signer = nullptr;              ///< RIM: null for no signature
 };
 
 /// A range of addresses with content, as inspection finds it.

@@ -10,6 +10,8 @@
 enum class FORMAT_SUBJECT : std::uint8_t {
     STREAM,      ///< the configuration stream of a bitstream
     FLASH_IMAGE, ///< the image of a flash device, with its regions
+    KEYS,        ///< the keys of encrypted bitstreams
+    MEASUREMENTS ///< what devices measure of bitstreams
 };
 
 /// Which part of the configuration goes into a file.
@@ -25,6 +27,7 @@ struct FORMAT_ROW {
     const FORMAT* format;
     FORMAT_SUBJECT subject;
     FORMAT_PART part = FORMAT_PART::ALL;
+    bool is_secret = false; ///< for its owner alone
 };
 
 /// All rows, ascending by type. A new type is a new row.
