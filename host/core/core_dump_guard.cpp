@@ -2,12 +2,14 @@
 
 #ifdef NDEBUG
 
+#include <mutex>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 
 namespace
 {
 
+std::mutex guards_mutex;
 int guards = 0;
 int old_dumpable = 1;
 rlimit old_limit{};
@@ -17,6 +19,7 @@ bool is_limit_known = false;
 
 CORE_DUMP_GUARD::CORE_DUMP_GUARD()
 {
+    const std::lock_guard<std::mutex> lock(guards_mutex);
     if (++guards != 1) {
         return;
     }
@@ -32,6 +35,7 @@ CORE_DUMP_GUARD::CORE_DUMP_GUARD()
 
 CORE_DUMP_GUARD::~CORE_DUMP_GUARD()
 {
+    const std::lock_guard<std::mutex> lock(guards_mutex);
     if (--guards != 0) {
         return;
     }

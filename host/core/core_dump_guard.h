@@ -3,7 +3,7 @@
 
 /// While one lives, a crash of the process writes no core dump, and no other process of the same user can
 /// look into its memory: for the time in which secrets are held. Any number may live at once; with the last
-/// one the process is as it was. In builds for debugging it does nothing. GUI thread or command line only.
+/// one the process is as it was. In builds for debugging it does nothing. Any thread.
 class CORE_DUMP_GUARD
 {
 public:
