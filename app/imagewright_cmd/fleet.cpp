@@ -129,7 +129,7 @@ private:
     bool claim(const std::string& setup, const PGM_COMMON_XML_VEK_VEK& document, std::string& message)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        const std::vector<OUTPUT_PLAN> plans = plan_outputs(SETUP_VIEW(document), m_options.output_directory);
+        const std::vector<OUTPUT_PLAN> plans = plan_files(SETUP_VIEW(document), m_options.output_directory);
         for (const OUTPUT_PLAN& plan : plans) {
             const auto other = m_owners.find(plan.path);
             if (other != m_owners.end() && other->second != setup) {

@@ -1,6 +1,7 @@
 #include "bitstream_file.h"
 #include "check.h"
 #include "flash_plan.h"
+#include "input_security.h"
 #include "pgm_device.h"
 #include "stream_sizes.h"
 #include "vek_db.h"
@@ -19,14 +20,21 @@ std::shared_ptr<const BYTE_SOURCE> bound_stream(const PGM_COMMON_XML_VEK_BITSTRE
                                                 std::string& message)
 {
     std::uint64_t size = 0;
-    for (const STREAM_INPUT& input : stream_inputs(bitstream)) {
+    const std::vector<STREAM_INPUT> inputs = stream_inputs(bitstream);
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        const STREAM_INPUT& input = inputs[i];
         const auto file = BITSTREAM_FILE::open(input.path, message);
         const auto bootloader = input.hps_path.empty() ? nullptr : FILE_SOURCE::open(input.hps_path, message);
-        if (!file || (!input.hps_path.empty() && !bootloader)) {
+        const auto firmware =
+            input.firmware_path.empty() ? nullptr : FILE_SOURCE::open(input.firmware_path, message);
+        if (!file || (!input.hps_path.empty() && !bootloader) ||
+            (!input.firmware_path.empty() && !firmware)) {
             return nullptr;
         }
-        const std::uint64_t plain = file->size() + (bootloader ? bootloader->size() : 0);
-        size += plain + plain / STREAM_OVERHEAD_DIVISOR + STREAM_OVERHEAD;
+        const std::uint64_t plain =
+            file->size() + (bootloader ? bootloader->size() : 0) + (firmware ? firmware->size() : 0);
+        size += plain + plain / STREAM_OVERHEAD_DIVISOR + STREAM_OVERHEAD +
+                security_allowance(*bitstream.path[i], plain);
     }
     return size_source(size);
 }
@@ -137,7 +145,7 @@ void check_flash(const SETUP_VIEW& setup, const SETUP_FACTS& facts, FINDINGS& fi
 }
 
 void check_setup(const PGM_COMMON_XML_VEK_VEK& document, bool include_files,
-                 const std::string& directory_override, FINDINGS& findings)
+                 const std::string& directory_override, FINDINGS& findings, const SIGNING_DESK& desk)
 {
     const SETUP_VIEW setup(document);
     check_structure(setup, findings);
@@ -149,9 +157,10 @@ void check_setup(const PGM_COMMON_XML_VEK_VEK& document, bool include_files,
     check_outputs(setup, facts, findings);
     check_inputs(setup, facts, include_files, findings);
     check_options(setup, findings);
+    check_key_programming(setup, findings);
     if (include_files) {
         check_flash(setup, facts, findings);
-        check_keys(setup, facts, findings);
-        check_targets(setup, plan_outputs(setup, directory_override), findings);
+        check_keys(setup, desk, findings);
+        check_targets(setup, plan_files(setup, directory_override), findings);
     }
 }

@@ -17,35 +17,17 @@ struct UNHONOURED_OPTION {
 };
 
 constexpr UNHONOURED_OPTION PATH_OPTIONS[] = {
-    {"encryption", "0", "encryption"},
-    {"finalize_encryption", "0", "finalising the encryption"},
     {"finalize_encryption_later", "0", "finalising the encryption later"},
-    {"signing", "OFF", "signing"},
-    {"sign_later", "0", "signing later"},
-    {"decryption_during_pr", "0", "decryption during partial reconfiguration"},
-    {"decompression_during_pr", "0", "decompression during partial reconfiguration"},
-    {"fw_source", nullptr, "co-signed firmware"},
-    {"elk_file", nullptr, "an encryption lock file"},
+    {"key_file2", nullptr, "a second key"},
+    {"skc_file", nullptr, "a signature chain"},
     {"smsf_file", nullptr, "a static mask file"},
     {"rsu_version", nullptr, "a version for remote update"},
-    {"rsu_upgrade", "0", "a factory update image"},
     {"rsu_boot_info", "0", "boot information in the bitstream"},
     {"app_image", nullptr, "an application image"},
     {"app_image_hps_path", nullptr, "a bootloader for the application image"},
     {"app_image_only", "0", "an application image alone"},
     {"firmware_only", "0", "firmware alone"},
     {"seu_recovery", "0", "recovery from upsets"},
-    {"security_opt_epof_only", "0", "the fuse option for encrypted files only"},
-    {"security_opt_no_config", "0", "the fuse option against external configuration"},
-    {"security_opt_no_pr", "0", "the fuse option against external partial reconfiguration"},
-    {"security_opt_no_jtag_key", "0", "the fuse option against key instructions"},
-    {"security_opt_no_jtag_ext", "0", "the fuse option against extended instructions"},
-    {"security_opt_no_jtag", "0", "the fuse option against JTAG"},
-    {"security_opt_no_hps_jtag", "0", "the fuse option against the JTAG of the processor"},
-    {"security_opt_no_otp_key", "0", "the fuse option against the fuse key"},
-    {"security_opt_no_battery_key", "0", "the fuse option against the battery key"},
-    {"security_opt_lock_battery_key", "0", "the fuse option that locks the battery key"},
-    {"security_opt_secure", nullptr, "other security measures"},
 };
 
 constexpr UNHONOURED_OPTION OUTPUT_OPTIONS[] = {

@@ -3,6 +3,7 @@
 #include "atomic_file.h"
 #include "check.h"
 #include "configuration_stream.h"
+#include "core_dump_guard.h"
 #include "fio_path.h"
 #include "flash_plan.h"
 #include "format_registry.h"
@@ -10,6 +11,7 @@
 #include "pgm_device.h"
 #include "progress.h"
 #include "same_file.h"
+#include "setup_security.h"
 #include "vek_msgs.h"
 
 #include <algorithm>
@@ -39,6 +41,13 @@ private:
     std::string m_file;
 };
 
+/// Takes what is written only to be signed.
+class NO_SINK final : public BYTE_SINK
+{
+public:
+    bool write(std::span<const std::uint8_t>, std::string&) override { return true; }
+};
+
 /// The message factories put a full stop behind the reason.
 std::string without_full_stop(std::string sentence)
 {
@@ -61,7 +70,7 @@ class JOB
 {
 public:
     JOB(const PGM_COMMON_XML_VEK_VEK& document, const GENERATE_OPTIONS& options)
-        : m_setup(document), m_options(options), m_plans(plan_outputs(m_setup, options.output_directory))
+        : m_setup(document), m_options(options), m_plans(plan_files(m_setup, options.output_directory))
     {
     }
 
@@ -76,12 +85,16 @@ public:
         if (!file.empty() && !keep_output_of(file)) {
             return true;
         }
+        if (!load_keys()) {
+            return false;
+        }
         m_facts = find_setup_facts(m_setup);
         collect();
         std::error_code error;
         m_directories = {std::filesystem::temp_directory_path(error).string()};
         const PROGRESS_SCOPE scope(m_input_bytes);
         build_streams();
+        measure();
         if (!build_flash_contents()) {
             return false;
         }
@@ -96,7 +109,7 @@ public:
 
     bool run(std::vector<WRITTEN_FILE>& written)
     {
-        if (!may_begin()) {
+        if (!may_begin() || !load_keys()) {
             return false;
         }
         m_facts = find_setup_facts(m_setup);
@@ -106,6 +119,10 @@ public:
             ATOMIC_FILE::sweep_stale_files(directory);
         }
         build_streams();
+        measure();
+        if (!m_options.desk.digest_directory.empty()) {
+            return report_digests();
+        }
         if (!build_flash_contents()) {
             return false;
         }
@@ -201,6 +218,16 @@ private:
         return report(targets) && directories_exist;
     }
 
+    bool load_keys()
+    {
+        if (holds_secrets(m_setup)) {
+            m_guard.emplace();
+        }
+        FINDINGS findings;
+        m_security.load(m_setup, m_options.desk, findings);
+        return report(findings);
+    }
+
     static STREAM_SELECTION selection_of(FORMAT_PART part)
     {
         switch (part) {
@@ -232,10 +259,15 @@ private:
         return output_bitstreams(m_setup, *plan.output);
     }
 
-    static bool is_from_flash(const OUTPUT_PLAN& plan)
+    static FORMAT_SUBJECT subject_of(const OUTPUT_PLAN& plan)
     {
         const FORMAT_ROW* row = find_format_row(plan.type);
-        return row != nullptr && row->subject == FORMAT_SUBJECT::FLASH_IMAGE;
+        return row != nullptr ? row->subject : FORMAT_SUBJECT::STREAM;
+    }
+
+    static bool is_from_flash(const OUTPUT_PLAN& plan)
+    {
+        return subject_of(plan) == FORMAT_SUBJECT::FLASH_IMAGE;
     }
 
     using FLASH_KEY = std::pair<FORMAT_PART, std::string>;
@@ -265,14 +297,22 @@ private:
     {
         for (const OUTPUT_PLAN& plan : m_plans) {
             m_directories.insert(plan.directory);
-            if (is_from_flash(plan)) {
+            switch (subject_of(plan)) {
+            case FORMAT_SUBJECT::FLASH_IMAGE:
                 if (m_flash.emplace(flash_key(plan), FLASH()).second) {
                     for (const std::string& id : stream_ids(plan)) {
                         want_stream(plan.part, {id}, options_of(flash_key(plan)));
                     }
                 }
-            } else {
+                break;
+            case FORMAT_SUBJECT::STREAM:
                 want_stream(plan.part, stream_ids(plan));
+                break;
+            case FORMAT_SUBJECT::MEASUREMENTS:
+                m_measurements.emplace(&plan, MEASUREMENTS());
+                break;
+            case FORMAT_SUBJECT::KEYS:
+                break;
             }
         }
         for (const STREAM_JOB& job : m_stream_jobs) {
@@ -291,7 +331,9 @@ private:
         const auto options = device == nullptr ? std::nullopt : onchip_options(m_setup, *device);
         std::vector<STREAM_INPUT> inputs;
         for (const std::string& id : ids) {
-            const auto of_one = stream_inputs(*m_setup.bitstreams().find(id), options);
+            const PGM_COMMON_XML_VEK_BITSTREAM& bitstream = *m_setup.bitstreams().find(id);
+            auto of_one = stream_inputs(bitstream, options);
+            m_security.apply(bitstream, of_one);
             inputs.insert(inputs.end(), of_one.begin(), of_one.end());
         }
         return inputs;
@@ -309,6 +351,56 @@ private:
                 PROGRESS::instance().advance(file ? file->size() : 0, input.path);
             }
         });
+    }
+
+    /// Measures the images of all manifests.
+    void measure()
+    {
+        for (auto& [plan, measured] : m_measurements) {
+            for (const STREAM_INPUT& input : inputs_of(stream_ids(*plan), "")) {
+                if (measured.failure.empty()) {
+                    measure_image(input, measured.content.emplace_back(), measured.failure);
+                }
+            }
+        }
+    }
+
+    /// The streams have left their digests at the desk; those of the manifests follow.
+    bool report_digests() const
+    {
+        bool all = true;
+        const auto tell = [&all](const OUTPUT_PLAN& plan, const std::string& failure) {
+            if (!failure.empty()) {
+                fail(plan, failure);
+                all = false;
+            }
+        };
+        for (const OUTPUT_PLAN& plan : m_plans) {
+            switch (subject_of(plan)) {
+            case FORMAT_SUBJECT::FLASH_IMAGE:
+                for (const std::string& id : stream_ids(plan)) {
+                    tell(plan,
+                         m_streams.at(stream_key(plan.part, {id}, options_of(flash_key(plan)))).failure);
+                }
+                break;
+            case FORMAT_SUBJECT::STREAM:
+                tell(plan, m_streams.at(stream_key(plan.part, stream_ids(plan))).failure);
+                break;
+            case FORMAT_SUBJECT::MEASUREMENTS: {
+                FORMAT_REQUEST request;
+                std::string failure;
+                NO_SINK sink;
+                if (make_request(plan, request, failure)) {
+                    find_format(plan.type)->write(request, sink, failure);
+                }
+                tell(plan, failure);
+                break;
+            }
+            case FORMAT_SUBJECT::KEYS:
+                break;
+            }
+        }
+        return all;
     }
 
     STREAM_PROVIDER provider(FORMAT_PART part, const std::string& options_of) const
@@ -354,7 +446,18 @@ private:
     /// The request of an output; false with the reason when what it is made from is not there.
     bool make_request(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request, std::string& failure) const
     {
-        if (is_from_flash(plan)) {
+        const FORMAT_SUBJECT subject = subject_of(plan);
+        if (subject == FORMAT_SUBJECT::KEYS) {
+            return m_security.key_programs(m_setup, plan, request.keys, failure);
+        }
+        if (subject == FORMAT_SUBJECT::MEASUREMENTS) {
+            const MEASUREMENTS& measured = m_measurements.at(&plan);
+            failure = measured.failure;
+            request.measurements = measured.content;
+            request.signer = m_security.signer_of(m_setup, stream_ids(plan));
+            return failure.empty();
+        }
+        if (subject == FORMAT_SUBJECT::FLASH_IMAGE) {
             const FLASH& flash = m_flash.at(flash_key(plan));
             failure = flash.failure;
             request.image = flash.content.image.get();
@@ -386,7 +489,9 @@ private:
         for (const OUTPUT_PLAN& plan : m_plans) {
             FORMAT_REQUEST request;
             std::string failure;
-            total += make_request(plan, request, failure) ? 2 * request.image->size() : 0;
+            if (make_request(plan, request, failure) && request.image != nullptr) {
+                total += 2 * request.image->size();
+            }
         }
         const PROGRESS_SCOPE scope(total);
         run_parallel(m_plans.size(), m_options.threads, [this](std::size_t i) {
@@ -416,9 +521,12 @@ private:
             fail(plan, message);
             return;
         }
-        const PROGRESS_SOURCE watched(*request.image, plan.path);
-        request.image = &watched;
-        const auto file = ATOMIC_FILE::create(plan.path, 0666, message);
+        std::optional<PROGRESS_SOURCE> watched;
+        if (request.image != nullptr) {
+            request.image = &watched.emplace(*request.image, plan.path);
+        }
+        const auto file =
+            ATOMIC_FILE::create(plan.path, find_format_row(plan.type)->is_secret ? 0600 : 0666, message);
         if (!file || !format->write(request, *file, message)) {
             fail(plan, message);
             return;
@@ -436,6 +544,8 @@ private:
                                           static_cast<unsigned long long>(file->size())));
         }
     }
+
+    using MEASUREMENTS = INGREDIENT<std::vector<IMAGE_MEASUREMENTS>>;
 
     struct FLASH {
         FLASH_CONTENT content;
@@ -458,6 +568,9 @@ private:
     std::map<std::string, STREAM> m_streams;
     std::vector<STREAM_JOB> m_stream_jobs;
     std::map<FLASH_KEY, FLASH> m_flash;
+    std::map<const OUTPUT_PLAN*, MEASUREMENTS> m_measurements;
+    std::optional<CORE_DUMP_GUARD> m_guard; ///< before the keys, so that it outlives them
+    SETUP_SECURITY m_security;
     std::vector<std::optional<WRITTEN_FILE>> m_written;
 };
 
@@ -472,6 +585,6 @@ bool generate_document(const PGM_COMMON_XML_VEK_VEK& document, const GENERATE_OP
 bool verify_outputs(const PGM_COMMON_XML_VEK_VEK& document, const VERIFY_OPTIONS& options,
                     std::vector<OUTPUT_VERDICT>& verdicts)
 {
-    const GENERATE_OPTIONS places{options.output_directory, options.threads};
+    const GENERATE_OPTIONS places{options.output_directory, options.threads, options.desk};
     return JOB(document, places).verify(options.file, verdicts);
 }

@@ -2,6 +2,7 @@
 #define GENERATE_JOB_H
 
 #include "pgm_common_xml_vek_auto_export.h"
+#include "signing_desk.h"
 #include "vek_file_type.h"
 
 #include <cstdint>
@@ -12,6 +13,9 @@
 struct GENERATE_OPTIONS {
     std::string output_directory; ///< replaces the directories of the setup unless it is empty
     unsigned threads = 0;         ///< at most so many at once; 0 for as many as the machine runs
+    /// Where digests to be signed elsewhere go to, in which case no output file is written, or where their
+    /// signatures come from.
+    SIGNING_DESK desk{};
 };
 
 /// A file that generation has written under its final name.
@@ -38,6 +42,7 @@ struct VERIFY_OPTIONS {
     unsigned threads = 0;         ///< at most so many at once; 0 for as many as the machine runs
     /// Looks at this file alone, which stands for the output that has its path, or else its file name.
     std::string file;
+    SIGNING_DESK desk{}; ///< where the signatures of keys that are kept elsewhere come from
 };
 
 /// What verification has found out about an output.

@@ -1,6 +1,8 @@
 #include "output_plan.h"
 
 #include "finding.h"
+#include "fio_path.h"
+#include "input_security.h"
 #include "partition_layout.h"
 #include "vek_db.h"
 #include "vek_file_assistant.h"
@@ -117,6 +119,30 @@ std::vector<OUTPUT_PLAN> plan_outputs(const SETUP_VIEW& setup, const std::string
     }
     for (OUTPUT_PLAN& plan : plans) {
         finish(plan, directory_override);
+    }
+    return plans;
+}
+
+std::vector<OUTPUT_PLAN> plan_files(const SETUP_VIEW& setup, const std::string& directory_override)
+{
+    std::vector<OUTPUT_PLAN> plans = plan_outputs(setup, directory_override);
+    for (const PGM_COMMON_XML_VEK_BITSTREAM* bitstream : setup.bitstreams().all()) {
+        for (const PGM_COMMON_XML_VEK_PATH* path : bitstream->path) {
+            if (path->ekp_file.empty() || !VEK_FILE_ASSISTANT::convert_string_to_bool(path->encryption)) {
+                continue;
+            }
+            OUTPUT_PLAN plan;
+            const FIO_PATH file(absolute_path(path->ekp_file));
+            plan.key_of = path;
+            plan.type = VEK_EKP_FILE_TYPE;
+            plan.label = path_label(*bitstream, *path);
+            plan.name = file.filename();
+            plan.file_name = plan.name;
+            plan.directory =
+                directory_override.empty() ? file.full_directory() : absolute_path(directory_override);
+            plan.path = plan.directory + (plan.directory.ends_with('/') ? "" : "/") + plan.file_name;
+            plans.push_back(plan);
+        }
     }
     return plans;
 }

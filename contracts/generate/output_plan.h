@@ -19,12 +19,17 @@ struct OUTPUT_PLAN {
     std::string file_name;                                    ///< with suffixes and extension
     std::string path;                                         ///< directory and file name
     const PGM_COMMON_XML_VEK_FILE_OPTIONS* options = nullptr; ///< null when there are none
+    /// The file whose key a key programming file of its own holds; `output` is null then.
+    const PGM_COMMON_XML_VEK_PATH* key_of = nullptr;
 };
 
 /// The files of a setup in document order, each output before its secondary files. Outputs whose type is no
 /// output type are left out; the structure check names them. `directory_override` replaces the directories of
 /// the setup unless it is empty.
 std::vector<OUTPUT_PLAN> plan_outputs(const SETUP_VIEW& setup, const std::string& directory_override);
+
+/// The same, and behind them the key programming files that encrypted files of bitstreams name.
+std::vector<OUTPUT_PLAN> plan_files(const SETUP_VIEW& setup, const std::string& directory_override);
 
 /// The label of an output file element in findings.
 std::string output_label(const PGM_COMMON_XML_VEK_OUTPUT_FILE& output);

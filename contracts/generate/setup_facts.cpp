@@ -2,6 +2,7 @@
 
 #include "bitstream_file.h"
 #include "fio_path.h"
+#include "input_security.h"
 #include "pgm_device.h"
 #include "precheck.h"
 #include "vek_file_assistant.h"
@@ -83,6 +84,14 @@ const PGM_DEVICE* bitstream_device(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream
     return first_device_of(bitstream, path);
 }
 
+const PGM_DEVICE* path_device(const PGM_COMMON_XML_VEK_PATH& path)
+{
+    const PGM_DEVICE* device = nullptr;
+    std::string name;
+    std::string message;
+    return precheck_bitstream_file(absolute_path(path.text), true, &device, name, message) ? device : nullptr;
+}
+
 std::vector<std::string> output_bitstreams(const SETUP_VIEW& setup,
                                            const PGM_COMMON_XML_VEK_OUTPUT_FILE& output)
 {
@@ -116,8 +125,12 @@ std::vector<STREAM_INPUT> stream_inputs(const PGM_COMMON_XML_VEK_BITSTREAM& bits
         input.path = absolute_path(file->text);
         input.compression = VEK_FILE_ASSISTANT::convert_string_to_bool(file->compression);
         input.enhanced_compression = VEK_FILE_ASSISTANT::convert_string_to_bool(file->enhanced_compression);
+        input.decompression_during_pr =
+            VEK_FILE_ASSISTANT::convert_string_to_bool(file->decompression_during_pr);
+        input.replaces_factory = VEK_FILE_ASSISTANT::convert_string_to_bool(file->rsu_upgrade);
         input.hps_path = file->hps_path.empty() ? "" : absolute_path(file->hps_path);
         input.option_block = option_block;
+        input.firmware_path = firmware_source(*file);
         inputs.push_back(input);
     }
     return inputs;

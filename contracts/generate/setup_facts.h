@@ -24,6 +24,9 @@ SETUP_FACTS find_setup_facts(const SETUP_VIEW& setup);
 /// The device that a bitstream is for: that of its first file that can be read; null when there is none.
 const PGM_DEVICE* bitstream_device(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream);
 
+/// The device that a file of a bitstream is for; null when it cannot be read.
+const PGM_DEVICE* path_device(const PGM_COMMON_XML_VEK_PATH& path);
+
 /// The bitstreams of an output in the order in which they go into it: those that it lists, or for one that is
 /// made from a flash device those of its partitions, each once.
 std::vector<std::string> output_bitstreams(const SETUP_VIEW& setup,

@@ -2,6 +2,7 @@
 
 #include "configuration_stream.h"
 #include "format_registry.h"
+#include "setup_security.h"
 
 #include <filesystem>
 #include <map>
@@ -54,17 +55,21 @@ STREAM_PROVIDER real_stream_sizes(const SETUP_VIEW& setup, const PGM_COMMON_XML_
     const STREAM_SELECTION selection =
         holds_periphery_alone(setup, device.id) ? STREAM_SELECTION::PERIPHERY : STREAM_SELECTION::ALL;
     const auto known = std::make_shared<std::map<std::string, std::uint64_t>>();
-    return [selection, options = onchip_options(setup, device),
-            known](const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
-                   std::string& message) -> std::shared_ptr<const BYTE_SOURCE> {
+    const auto security = std::make_shared<SETUP_SECURITY>();
+    FINDINGS of_keys; // told by the check of the keys
+    security->load(setup, {}, of_keys);
+    return [selection, options = onchip_options(setup, device), known,
+            security](const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
+                      std::string& message) -> std::shared_ptr<const BYTE_SOURCE> {
         const auto found = known->find(bitstream.id);
         if (found != known->end()) {
             return size_source(found->second);
         }
         std::error_code error;
         const std::string directory = std::filesystem::temp_directory_path(error).string();
-        const auto stream =
-            build_configuration_stream(stream_inputs(bitstream, options), directory, message, selection);
+        std::vector<STREAM_INPUT> inputs = stream_inputs(bitstream, options);
+        security->apply_sizes(bitstream, inputs);
+        const auto stream = build_configuration_stream(inputs, directory, message, selection);
         if (!stream) {
             return nullptr;
         }

@@ -12,7 +12,7 @@ namespace
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr const char* NONE_IS_GIVEN = "is under a password, and none is given; give the password.";
+constexpr const char* NONE_IS_GIVEN = "holds a private key under a password, and no password file is named;";
 
 /// A setup whose bitstream is signed with a key under a password.
 class PASSWORD : public testing::Test

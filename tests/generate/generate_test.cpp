@@ -507,7 +507,7 @@ TEST(generate, an_output_that_is_an_input_is_refused_before_anything_is_written)
     EXPECT_FALSE(std::filesystem::exists(setup.path("out.rpd")));
 }
 
-TEST(generate, a_setup_that_asks_for_encryption_is_refused_and_not_written_in_the_clear)
+TEST(generate, a_setup_that_asks_for_encryption_without_a_key_is_not_written_in_the_clear)
 {
     SETUP_BUILDER setup("PS");
     passive_setup(setup);
@@ -517,7 +517,8 @@ TEST(generate, a_setup_that_asks_for_encryption_is_refused_and_not_written_in_th
     const RUN run = generate(setup);
     EXPECT_FALSE(run.success);
     ASSERT_EQ(run.errors.size(), 1U);
-    EXPECT_THAT(run.errors[0], HasSubstr("asks for encryption, which this version does not do yet"));
+    EXPECT_THAT(run.errors[0],
+                HasSubstr("Encryption is on, and the device BS1L15 has no key; switch it off."));
     EXPECT_THAT(setup.directory().entries(), ElementsAre("Bitstream_1.sof"));
 }
 

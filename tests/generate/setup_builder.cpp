@@ -46,6 +46,9 @@ void write_bitstream(const std::string& path, const SMALL_BITSTREAM& bitstream)
     if (bitstream.scheme) {
         writer.set_scheme(*bitstream.scheme);
     }
+    if (bitstream.prepared_for_encryption) {
+        writer.set_options({{"sof_option_encryption", true}});
+    }
     if (bitstream.partial) {
         writer.set_regions({{"region", 0, bitstream.core}});
     }

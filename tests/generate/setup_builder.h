@@ -22,6 +22,7 @@ struct SMALL_BITSTREAM {
     std::size_t firmware = 0;
     std::optional<unsigned> scheme;
     bool partial = false;
+    bool prepared_for_encryption = false; ///< compiled with the option that lets encryption be finalised
 };
 
 /// Periphery and core of such a file.
