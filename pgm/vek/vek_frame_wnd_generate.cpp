@@ -1,6 +1,7 @@
 // The generation run of the frame.
 
 #include "fio_file_system.h"
+#include "nivo_background.h"
 #include "nivo_busy_dlg.h"
 #include "nivo_safe_connect.h"
 #include "pgm_common_xml_vek_auto_export.h"
@@ -9,7 +10,6 @@
 #include "vek_util.h"
 
 #include <QMessageBox>
-#include <QtConcurrent>
 
 void VEK_FRAME_WND::generate()
 {
@@ -37,11 +37,12 @@ void VEK_FRAME_WND::generate()
                       Qt::UniqueConnection, __FILE__, __LINE__);
     // The window may be deleted while this runs, so the task holds the document as well.
     m_future_watcher.setFuture(
-        QtConcurrent::run([document = m_vek] { return VEK_UTIL::generate(document.get()); }));
+        nivo_run_in_background([document = m_vek] { return VEK_UTIL::generate(document.get()); }));
 }
 
 void VEK_FRAME_WND::generate_finished()
 {
+    nivo_pass_hand_over_point();
     m_central_widget->setEnabled(true);
     set_file_actions_enabled(true);
     delete m_busy_dlg;

@@ -2,6 +2,7 @@
 
 #include "fio_types.h"
 #include "msg_internal_error.h"
+#include "nivo_background.h"
 #include "nivo_busy_dlg.h"
 #include "nivo_safe_connect.h"
 #include "vek_frame_wnd.h"
@@ -10,7 +11,6 @@
 
 #include <QHeaderView>
 #include <QStyledItemDelegate>
-#include <QtConcurrent>
 
 #include <algorithm>
 
@@ -140,11 +140,12 @@ void VEK_TREE_INPUT_FILES::add_bitstream(const FIO_PATH& path)
     nivo_safe_connect(&m_add_bitstream_watcher, SIGNAL(finished()), this, SLOT(add_bitstream_finished()),
                       Qt::UniqueConnection, __FILE__, __LINE__);
     m_add_bitstream_watcher.setFuture(
-        QtConcurrent::run(get_model(), &VEK_MODEL_INPUT_FILES::add_bitstream, path));
+        nivo_run_in_background([model = get_model(), path] { return model->add_bitstream(path); }));
 }
 
 void VEK_TREE_INPUT_FILES::add_bitstream_finished()
 {
+    nivo_pass_hand_over_point();
     const int row = m_add_bitstream_watcher.future().result();
     if (row != -1) {
         auto* const model = qobject_cast<VEK_MODEL_INPUT_FILES*>(QTreeView::model());

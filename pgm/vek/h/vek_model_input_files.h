@@ -2,6 +2,7 @@
 #define VEK_MODEL_INPUT_FILES_H
 
 #include "fio_path.h"
+#include "nivo_background.h"
 #include "vek_file_assistant.h"
 #include "vek_gui_gate.h"
 
@@ -46,6 +47,8 @@ public:
 
     VEK_MODEL_INPUT_FILES(std::shared_ptr<PGM_COMMON_XML_VEK_VEK> vek,
                           std::shared_ptr<VEK_FRAME_WND_CACHE> cache, QObject* parent);
+    /// A background add may have been the last to work on the document.
+    ~VEK_MODEL_INPUT_FILES() override { nivo_pass_hand_over_point(); }
 
     QModelIndex index(int row, int column, const QModelIndex& parent = QModelIndex()) const override;
     QModelIndex parent(const QModelIndex& child) const override;
