@@ -57,7 +57,7 @@ protected:
     }
 
     /// Generates what is ticked into a fresh directory; what lies there then. Nothing when the back end has
-    /// no writer for a type.
+    /// no writer for a type, or a file of keys is to be made and the bitstream has none.
     std::set<std::string> generate()
     {
         std::filesystem::remove_all(m_directory / "out");
@@ -68,7 +68,8 @@ protected:
         std::string message;
         EXPECT_TRUE(VEK_UTIL::check(m_vek.get(), can_save, can_generate, message, has_warning, true));
         if (!can_generate) {
-            EXPECT_NE(message.find("This version cannot write files of the type"), std::string::npos)
+            EXPECT_TRUE(message.find("This version cannot write files of the type") != std::string::npos ||
+                        message.find("is not encrypted, so there is no key to program") != std::string::npos)
                 << message;
             return {};
         }
