@@ -34,6 +34,18 @@ public:
                          "Take the Ith of N equal parts of the sorted list of setups, for runs on several "
                          "machines")
             ->type_name("I/N");
+        CLI::Option* digests =
+            command
+                ->add_option("--write-digests", m_fleet.desk.digest_directory,
+                             "Write the digests that are to be signed elsewhere to DIR, and no output file")
+                ->type_name("DIR")
+                ->check(CLI::ExistingDirectory);
+        command
+            ->add_option("--signatures", m_fleet.desk.signature_directory,
+                         "Take the signatures of these digests from DIR")
+            ->type_name("DIR")
+            ->check(CLI::ExistingDirectory)
+            ->excludes(digests);
         m_passwords.declare(*command);
         command->footer("Examples:\n"
                         "  imagewright-cmd generate board.vek --output-directory /srv/line-3\n"
@@ -76,6 +88,7 @@ private:
         GENERATE_OPTIONS options;
         options.output_directory = m_fleet.output_directory;
         options.threads = m_fleet.jobs;
+        options.desk = m_fleet.desk;
         GENERATE_RUN run(*document, setup, options);
         run.check();
         run.generate(!context.quiet && !context.json);

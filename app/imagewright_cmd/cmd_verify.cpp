@@ -40,6 +40,11 @@ public:
                          "Look for all outputs here instead of where the setup says")
             ->type_name("DIR")
             ->excludes(against);
+        command
+            ->add_option("--signatures", m_desk.signature_directory,
+                         "Take the signatures of digests that were signed elsewhere from DIR")
+            ->type_name("DIR")
+            ->check(CLI::ExistingDirectory);
         m_passwords.declare(*command);
         command->footer("Examples:\n"
                         "  imagewright-cmd verify board.vek\n"
@@ -108,7 +113,7 @@ private:
                  std::vector<OUTPUT_VERDICT>& verdicts) const
     {
         FINDINGS findings;
-        check_setup(document, true, m_directory, findings);
+        check_setup(document, true, m_directory, findings, m_desk);
         const auto forbids = [](const FINDING& finding) {
             // Where outputs could be written does not matter to one who only reads them.
             return finding.row().severity != FINDING_WARNING && finding.kind != FINDING_DIRECTORY_MISSING &&
@@ -121,6 +126,7 @@ private:
         VERIFY_OPTIONS options;
         options.output_directory = m_directory;
         options.file = file;
+        options.desk = m_desk;
         const PROGRESS_BAR bar(!context.quiet && !context.json);
         if (!verify_outputs(document, options, verdicts)) {
             context.fail(setup + " cannot be generated, so that there is nothing to compare with.");
@@ -165,6 +171,7 @@ private:
 
     std::string m_file;
     PASSWORD_OPTION m_passwords;
+    SIGNING_DESK m_desk;
     std::string m_against;
     std::string m_directory;
 };

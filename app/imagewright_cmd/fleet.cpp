@@ -112,6 +112,7 @@ private:
         GENERATE_OPTIONS options;
         options.output_directory = m_options.output_directory;
         options.threads = threads;
+        options.desk = m_options.desk;
         GENERATE_RUN run(*document, setup, options);
         if (run.check()) {
             if (!claim(setup, *document, message)) {

@@ -3,6 +3,7 @@
 
 #include "command.h"
 #include "setup_argument.h"
+#include "signing_desk.h"
 
 #include <string>
 #include <vector>
@@ -11,6 +12,7 @@
 struct FLEET_OPTIONS {
     std::string output_directory; ///< as for a single setup
     PASSWORD_OPTION passwords;    ///< for every setup
+    SIGNING_DESK desk;            ///< for every setup
     unsigned jobs = 0; ///< at most so many setups and files at once; 0 for as many as the machine runs
 };
 

@@ -15,7 +15,7 @@ GENERATE_RUN::GENERATE_RUN(const PGM_COMMON_XML_VEK_VEK& document, std::string s
 bool GENERATE_RUN::check()
 {
     FINDINGS findings;
-    check_setup(m_document, true, m_options.output_directory, findings);
+    check_setup(m_document, true, m_options.output_directory, findings, m_options.desk);
     if (!findings.can_generate()) {
         m_exit_code = EXIT_CODE_REFUSED;
         m_json = findings_json(m_setup, findings);
@@ -42,6 +42,9 @@ void GENERATE_RUN::generate(bool progress)
              {"type", VEK_FILE_ASSISTANT::convert_xml_enum_to_string(VEK_DB::get_xml_enum(file.type))},
              {"bytes", file.size}});
         m_out += "Wrote " + file.path + ", " + bytes_text(file.size) + ".\n";
+    }
+    if (complete && !m_options.desk.digest_directory.empty()) {
+        m_out += "Wrote the digests of " + m_setup + " to " + m_options.desk.digest_directory + ".\n";
     }
     m_json = JSON{{"setup", m_setup}, {"complete", complete}, {"files", std::move(files)}};
     m_exit_code = complete ? EXIT_CODE_DONE : EXIT_CODE_OUTPUT_NOT_WRITTEN;
