@@ -138,7 +138,6 @@ void VEK_DLG_SOF_PROPERTIES::set_property_values(VALUES values)
             continue;
         }
         if (!m_properties->set_widget_value(pair.first, VEK_GUI_UTIL::from_local(pair.second))) {
-            fprintf(stderr, "XXX %d\n", int(pair.first));
             VEK_ASSERT(
                 pair.first == VEK_CMD_PARAM_BITSTREAM_ID || pair.first == VEK_CMD_PARAM_BITSTREAM_PATH ||
                 pair.first == VEK_CMD_PARAM_RAW_FILE_ID || pair.first == VEK_CMD_PARAM_RAW_FILE_RAW_FILE);

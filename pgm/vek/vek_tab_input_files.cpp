@@ -322,8 +322,11 @@ void VEK_TAB_INPUT_FILES::properties()
     for (const PGM_COMMON_XML_VEK_CMD_PARAM_ENUM param : dialog.get_property_ids()) {
         query.emplace_back(param, std::string());
     }
-    dialog.set_property_values(
-        VEK_FILE_ASSISTANT::get(m_vek.get(), is_path ? VEK_CMD_OPT_BITSTREAM : VEK_CMD_OPT_RAW_FILE, query));
+    // A device may have nothing to set; a query of the keys alone would be answered with all that there is.
+    if (!dialog.get_property_ids().empty()) {
+        dialog.set_property_values(VEK_FILE_ASSISTANT::get(
+            m_vek.get(), is_path ? VEK_CMD_OPT_BITSTREAM : VEK_CMD_OPT_RAW_FILE, query));
+    }
     if (is_path) {
         dialog.check_dependent_properties();
     }
