@@ -27,8 +27,10 @@ void FRAME_SEALER::seal(std::span<const std::uint8_t> header, std::span<const st
     nonce.resize(NONCE_SIZE);
 
     sealed.reserve(NONCE_SIZE + content.size() + TAG_SIZE);
-    sealed.assign(nonce.begin(), nonce.end());
-    sealed.insert(sealed.end(), content.begin(), content.end());
+    // Copied over what is there: an insertion into such memory goes byte by byte.
+    sealed.resize(NONCE_SIZE + content.size());
+    std::copy(nonce.begin(), nonce.end(), sealed.begin());
+    std::copy(content.begin(), content.end(), sealed.begin() + NONCE_SIZE);
     m_cipher->set_associated_data(associated.data(), associated.size());
     m_cipher->start(nonce);
     m_cipher->finish(sealed, NONCE_SIZE);
