@@ -2,6 +2,8 @@
 #include "pgm_device.h"
 #include "sample.h"
 
+#include <gmock/gmock.h>
+
 #include <filesystem>
 #include <set>
 
@@ -57,7 +59,8 @@ protected:
     }
 
     /// Generates what is ticked into a fresh directory; what lies there then. Nothing when the back end has
-    /// no writer for a type, or a file of keys is to be made and the bitstream has none.
+    /// no writer for a type, a file of keys is to be made and the bitstream has none, or the type is for
+    /// partial bitstreams.
     std::set<std::string> generate()
     {
         std::filesystem::remove_all(m_directory / "out");
@@ -68,9 +71,10 @@ protected:
         std::string message;
         EXPECT_TRUE(VEK_UTIL::check(m_vek.get(), can_save, can_generate, message, has_warning, true));
         if (!can_generate) {
-            EXPECT_TRUE(message.find("This version cannot write files of the type") != std::string::npos ||
-                        message.find("is not encrypted, so there is no key to program") != std::string::npos)
-                << message;
+            EXPECT_THAT(message,
+                        testing::AnyOf(testing::HasSubstr("This version cannot write files of the type"),
+                                       testing::HasSubstr("is not encrypted, so there is no key to program"),
+                                       testing::HasSubstr("PRRBF cannot be made from a complete bitstream")));
             return {};
         }
         EXPECT_TRUE(VEK_UTIL::generate(m_vek.get()));
@@ -142,14 +146,31 @@ TEST_F(OUTPUT_GENERATE, bitstream_types_are_written_under_the_name_shown)
 {
     prepare(DEV_FAMILY_BASALT, PGMIO_CONFIG_SCHEME_PS, "PS", "BS1L15", "CFI_16MB");
     expect_written(compare_all(), {VEK_RBF_FILE_TYPE, VEK_TTF_FILE_TYPE, VEK_HEX_FILE_TYPE, VEK_POF_FILE_TYPE,
-                                   VEK_MAP_FILE_TYPE, VEK_SEC_RPD_FILE_TYPE});
+                                   VEK_MAP_FILE_TYPE, VEK_SEC_RPD_FILE_TYPE, VEK_SVF_FILE_TYPE,
+                                   VEK_JAM_FILE_TYPE, VEK_JBC_FILE_TYPE});
 }
 
 TEST_F(OUTPUT_GENERATE, flash_types_are_written_under_the_name_shown)
 {
     prepare(DEV_FAMILY_BASALT, PGMIO_CONFIG_SCHEME_AS_X4, "ASX4", "BS1L15", "W25Q32JV");
     expect_written(compare_all(),
-                   {VEK_POF_FILE_TYPE, VEK_RPD_FILE_TYPE, VEK_MAP_FILE_TYPE, VEK_SEC_RPD_FILE_TYPE});
+                   {VEK_POF_FILE_TYPE, VEK_JIC_FILE_TYPE, VEK_RPD_FILE_TYPE, VEK_MAP_FILE_TYPE,
+                    VEK_SEC_RPD_FILE_TYPE, VEK_SVF_FILE_TYPE, VEK_JAM_FILE_TYPE, VEK_JBC_FILE_TYPE});
+}
+
+TEST_F(OUTPUT_GENERATE, the_files_of_both_groups_are_written_under_the_name_shown)
+{
+    prepare(DEV_FAMILY_GRANITE, PGMIO_CONFIG_SCHEME_AS_X4, "ASX4", "GR5S027", "W25Q256JV");
+    expect_written(compare_all(), {VEK_PERIPH_POF_FILE_TYPE, VEK_PERIPH_JIC_FILE_TYPE,
+                                   VEK_PERIPH_RPD_FILE_TYPE, VEK_CVP_CORE_RBF_FILE_TYPE});
+}
+
+TEST_F(OUTPUT_GENERATE, the_files_of_a_secure_family_are_written_under_the_name_shown)
+{
+    prepare(DEV_FAMILY_ZIRCON, PGMIO_CONFIG_SCHEME_LNKS_X8, "LNKSX8", "ZR9A012", "CFI_256MB");
+    expect_written(compare_all(),
+                   {VEK_RBF_FILE_TYPE, VEK_HEX_FILE_TYPE, VEK_POF_FILE_TYPE, VEK_RPD_FILE_TYPE,
+                    VEK_SVF_FILE_TYPE, VEK_JAM_FILE_TYPE, VEK_JBC_FILE_TYPE, VEK_RIM_FILE_TYPE});
 }
 
 TEST_F(OUTPUT_GENERATE, several_files_at_once_do_not_get_in_each_others_way)
