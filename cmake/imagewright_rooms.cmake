@@ -32,6 +32,10 @@ function(imagewright_test room)
     target_compile_definitions(${target} PRIVATE IMAGEWRIGHT_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
                                                  IMAGEWRIGHT_BINARY_DIR="${CMAKE_BINARY_DIR}")
     imagewright_sanitizer_defaults(${target})
+    if(CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo")
+        # Half of the time of a whole build goes into optimising tests, which gain nothing by it.
+        target_compile_options(${target} PRIVATE -O0)
+    endif()
     if(TEST_QT)
         set_target_properties(${target} PROPERTIES AUTOMOC ON)
         target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/qt_test_main.cpp)
