@@ -102,7 +102,9 @@ void USER_HANDS::choose(QComboBox& combo, const QString& text)
     ASSERT_TRUE(QTest::qWaitFor([&list] { return list.isVisible(); }));
     QCoreApplication::processEvents();
     const QModelIndex index = combo.model()->index(row, combo.modelColumn(), combo.rootModelIndex());
-    list.scrollTo(index);
+    // Near its edges the list would scroll under the mouse.
+    list.scrollTo(index, QAbstractItemView::PositionAtCenter);
+    QCoreApplication::processEvents();
     const QPoint place = list.visualRect(index).center();
     QTest::mouseMove(list.viewport(), place);
     QTest::mouseClick(list.viewport(), Qt::LeftButton, Qt::NoModifier, place);
