@@ -93,6 +93,28 @@ void append_text(const JSON& document, const std::string& indent, std::string& t
     }
 }
 
+/// What protects an image; the key itself is in no file.
+void add_protection(JSON& document, const STREAM_IMAGE_FACTS& image)
+{
+    if (image.key) {
+        JSON fuses = JSON::object();
+        for (std::size_t option = 0; option < FUSE_OPTION_COUNT; ++option) {
+            if (image.key->fuse_options[option] != 0) {
+                fuses[fuse_option_name(static_cast<FUSE_OPTION>(option))] = image.key->fuse_options[option];
+            }
+        }
+        document["encryption"] = JSON{{"key_id", key_id_text(image.key->id)},
+                                      {"key_bits", image.key->key_bits},
+                                      {"key_place", key_place_name(image.key->place)},
+                                      {"during_reconfiguration", image.key->during_reconfiguration},
+                                      {"fuse_options", fuses}};
+    }
+    if (image.signer) {
+        document["signer"] = JSON{{"curve", ecdsa_curve_name(image.signer->curve)},
+                                  {"public_key", digest_text(image.signer->point)}};
+    }
+}
+
 } // namespace
 
 JSON bitstream_facts_json(const std::string& path, const BITSTREAM_FACTS& facts)
@@ -136,6 +158,7 @@ JSON stream_facts_json(const std::string& path, const STREAM_FACTS& facts)
         add_scheme(entry, image.scheme);
         entry["options"] = image.options.empty() ? JSON::object() : JSON(image.options);
         add_option_block(entry, image.option_word, image.option_block);
+        add_protection(entry, image);
         if (!image.regions.empty()) {
             entry["regions"] = regions_json(image.regions);
         }

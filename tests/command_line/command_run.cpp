@@ -1,5 +1,8 @@
 #include "command_run.h"
 
+#include "exit_code.h"
+#include "test_keys.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -58,6 +61,27 @@ std::string BOARD::passive_setup() const
                  element("BITSTREAMS", "<BITSTREAM id=\"Bitstream_1\">" +
                                            element("PATH", bitstream("top.sof")) + "</BITSTREAM>") +
                      element("OUTPUT_FILES", outputs));
+}
+
+std::string BOARD::encrypted_stream() const
+{
+    write_file(path("board.key"), "board " + std::string(64, 'a') + "\n");
+    std::filesystem::permissions(path("board.key"), std::filesystem::perms::owner_read);
+    const ANSWER answer = run({"convert", bitstream("encrypted.sof", "CA3M050"), "-o", path("encrypted.rbf"),
+                               "--option", "path_encryption=1", "--option",
+                               "path_key_file1=" + path("board.key"), "--option", "path_key1=board"});
+    EXPECT_EQ(answer.exit_code, EXIT_CODE_DONE) << answer.err;
+    return path("encrypted.rbf");
+}
+
+std::string BOARD::signed_stream() const
+{
+    make_private_pem(path("sign.pem"), "P-384");
+    const ANSWER answer =
+        run({"convert", bitstream("signed.sof", "ZR9A012", "LNKSX8"), "-o", path("signed.rbf"), "--option",
+             "path_signing=ON", "--option", "path_signing_pem_file=" + path("sign.pem")});
+    EXPECT_EQ(answer.exit_code, EXIT_CODE_DONE) << answer.err;
+    return path("signed.rbf");
 }
 
 std::string BOARD::flash_setup() const

@@ -36,6 +36,10 @@ public:
     /// Passive serial: the bitstream top.sof into RBF, TTF, HEX, SVF, JAM and JBC under the directory "out".
     std::string passive_setup() const;
 
+    /// The raw files of an encrypted bitstream and of a signed one. Their paths.
+    std::string encrypted_stream() const;
+    std::string signed_stream() const;
+
     /// Active serial: two bitstreams and a raw file, the smallest partitions far below a pixel, gaps between;
     /// POF with MAP and SEC_RPD, JIC, RPD under the directory "out".
     std::string flash_setup() const;

@@ -236,4 +236,19 @@ TEST_F(VERIFY, inspect_tells_what_every_output_holds)
     EXPECT_EQ(run({"inspect", m_board.path("out/board.pof")}).exit_code, EXIT_CODE_INPUT_UNREADABLE);
 }
 
+TEST_F(VERIFY, inspect_tells_what_protects_an_image_and_no_secret)
+{
+    const std::string stream = m_board.encrypted_stream();
+    const JSON encrypted = run({"inspect", stream, "--json"}).json().at("images").at(0);
+    EXPECT_EQ(encrypted.at("encryption").at("key_bits"), 256);
+    EXPECT_EQ(encrypted.at("encryption").at("key_place"), "battery");
+    EXPECT_EQ(encrypted.at("encryption").at("fuse_options"), JSON::object());
+    EXPECT_FALSE(encrypted.contains("signer"));
+    EXPECT_THAT(run({"inspect", stream}).out, testing::Not(HasSubstr("aaaaaaaa")));
+    const JSON is_signed = run({"inspect", m_board.signed_stream(), "--json"}).json().at("images").at(0);
+    EXPECT_EQ(is_signed.at("signer").at("curve"), "P-384");
+    EXPECT_EQ(is_signed.at("signer").at("public_key").get<std::string>().size(), 192U);
+    EXPECT_FALSE(is_signed.contains("encryption"));
+}
+
 } // namespace
