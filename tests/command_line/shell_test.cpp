@@ -184,10 +184,12 @@ TEST(limits, the_program_may_open_as_many_files_as_the_system_allows)
     const CHILD_RESULT raised =
         run_program({"bash", "-c", "ulimit -Sn 64; exec \"$@\"", "bash", program, "generate", setup});
     EXPECT_EQ(raised.exit_code, EXIT_CODE_DONE) << raised.err;
+#ifndef __SANITIZE_ADDRESS__ // which opens files of its own to look at the memory
     const CHILD_RESULT held =
         run_program({"bash", "-c", "ulimit -n 64; exec \"$@\"", "bash", program, "generate", setup});
     EXPECT_NE(held.exit_code, EXIT_CODE_DONE);
     EXPECT_THAT(held.err, HasSubstr(".bin"));
+#endif
 }
 
 } // namespace
