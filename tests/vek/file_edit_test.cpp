@@ -34,10 +34,10 @@ protected:
 
 TEST_F(VEK_FILE_EDIT_TEST, paths_are_relative_to_the_working_directory_outside_and_absolute_inside)
 {
-    set_working_directory("/base/work");
-    EXPECT_EQ(VEK_GUI_UTIL::format_path(FIO_PATH("/base/work/in/top.sof")).fullpath(), "in/top.sof");
+    set_working_directory("/base/files");
+    EXPECT_EQ(VEK_GUI_UTIL::format_path(FIO_PATH("/base/files/in/top.sof")).fullpath(), "in/top.sof");
     EXPECT_EQ(VEK_GUI_UTIL::format_path(FIO_PATH("/base/top.sof")).fullpath(), "../top.sof");
-    EXPECT_EQ(VEK_GUI_UTIL::make_path_absolute(FIO_PATH("in/top.sof")).fullpath(), "/base/work/in/top.sof");
+    EXPECT_EQ(VEK_GUI_UTIL::make_path_absolute(FIO_PATH("in/top.sof")).fullpath(), "/base/files/in/top.sof");
     EXPECT_EQ(VEK_GUI_UTIL::make_path_absolute(FIO_PATH("/other/top.sof")).fullpath(), "/other/top.sof");
 }
 
