@@ -13,6 +13,8 @@ std::vector<std::unique_ptr<COMMAND>> make_commands()
     commands.push_back(make_cmd_inspect());
     commands.push_back(make_cmd_pack());
     commands.push_back(make_cmd_sample());
+    commands.push_back(make_cmd_key());
+    commands.push_back(make_cmd_firmware());
     commands.push_back(make_cmd_list());
     commands.push_back(make_cmd_completion());
     return commands;

@@ -12,6 +12,8 @@ std::unique_ptr<COMMAND> make_cmd_convert();
 std::unique_ptr<COMMAND> make_cmd_edit();
 std::unique_ptr<COMMAND> make_cmd_pack();
 std::unique_ptr<COMMAND> make_cmd_sample();
+std::unique_ptr<COMMAND> make_cmd_key();
+std::unique_ptr<COMMAND> make_cmd_firmware();
 std::unique_ptr<COMMAND> make_cmd_inspect();
 std::unique_ptr<COMMAND> make_cmd_list();
 std::unique_ptr<COMMAND> make_cmd_completion();

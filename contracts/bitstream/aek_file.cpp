@@ -132,15 +132,6 @@ bool unseal(const SECRET_BYTES& bytes, const HEADER& header, const SECRET_BYTES&
 
 } // namespace
 
-bool inspect_aek(const SECRET_BYTES& bytes, AEK_FACTS& facts, std::string& reason)
-{
-    HEADER header;
-    if (!decode_header(bytes, header, reason))
-        return false;
-    facts.under_password = header.protection == PROTECTION_PASSWORD;
-    return true;
-}
-
 bool read_aek_file(const std::string& path, const SECRET_BYTES* password, SECRET_BYTES& key,
                    std::string& message)
 {

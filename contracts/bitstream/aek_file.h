@@ -20,14 +20,6 @@ bool read_aek_file(const std::string& path, const SECRET_BYTES* password, SECRET
 bool write_aek_file(const std::string& path, const SECRET_BYTES& key, const SECRET_BYTES* password,
                     std::string& message);
 
-/// What a file tells without its password.
-struct AEK_FACTS {
-    bool under_password = false;
-};
-
-/// Looks at the structure alone; false with the end of a sentence in `reason`.
-bool inspect_aek(const SECRET_BYTES& bytes, AEK_FACTS& facts, std::string& reason);
-
 /// Writes a new secret file of mode 0600 and refuses to replace one.
 bool write_new_secret_file(const std::string& path, const SECRET_BYTES& bytes, std::string& message);
 

@@ -80,6 +80,16 @@ const CALL CALLS[] = {
     {{"sample", "--device", "NONE", "-o", "@/a.sof"}, EXIT_CODE_USAGE},
     {{"sample", "--device", "BS1L15", "-o", "@/missing/a.sof"}, EXIT_CODE_OUTPUT_NOT_WRITTEN},
 
+    {{"key", "aes", "--key-file", "@/board.key", "--key", "k", "-o", "@/a.aek"}, EXIT_CODE_DONE},
+    {{"key", "lock", "--key-file", "@/board.key", "--key", "k", "-o", "@/a.elk"}, EXIT_CODE_USAGE},
+    {{"key", "aes", "--key-file", "@/missing.key", "--key", "k", "-o", "@/b.aek"},
+     EXIT_CODE_INPUT_UNREADABLE},
+    {{"key", "aes", "--key-file", "@/board.key", "--key", "k", "-o", "@/a.aek"},
+     EXIT_CODE_OUTPUT_NOT_WRITTEN},
+
+    {{"firmware", "--image", "@/top.sof", "--family", "Zircon", "--pem", "@/missing.pem", "-o", "@/a.fw"},
+     EXIT_CODE_INPUT_UNREADABLE},
+
     {{"list", "modes"}, EXIT_CODE_DONE},
     {{"list", "nonsense"}, EXIT_CODE_USAGE},
 
@@ -93,6 +103,7 @@ TEST(exit_codes, every_command_tells_how_it_has_ended)
     board.passive_setup();
     board.flash_setup();
     board.setup("refused.vek", "PS", "");
+    write_file(board.path("board.key"), "k " + std::string(64, 'A') + "\n");
     board.setup("overlap.vek", "ASX4",
                 element("FLASH_DEVICES",
                         "<FLASH_DEVICE type=\"W25Q128JV\" id=\"F\">"

@@ -1,0 +1,39 @@
+#ifndef KEY_MAKING_H
+#define KEY_MAKING_H
+
+#include <cstdint>
+#include <string>
+
+/// What the command line makes for encryption and signing out of keys that the user has. All passwords come
+/// from files that nobody else may read; all secret files are new ones of mode 0600. Each function returns
+/// false with a whole sentence in `message`.
+
+/// A key of a key file.
+struct NAMED_KEY {
+    std::string key_file;
+    std::string name;
+};
+
+/// Writes an AES key file with that key of 256 bits, under the password of `password_file` unless that is
+/// empty.
+bool make_aes_key_file(const NAMED_KEY& key, const std::string& password_file, const std::string& output,
+                       std::string& message);
+
+/// Writes an encryption lock file for the device that has that key, in fuses or by a battery.
+bool make_lock_file(const NAMED_KEY& key, const std::string& device, bool non_volatile,
+                    const std::string& output, std::string& message);
+
+/// What goes into an archive of co-signed firmware.
+struct FIRMWARE_REQUEST {
+    std::string image_path;
+    std::string family; ///< as users see it
+    std::uint32_t release = 0;
+    std::string pem_path;      ///< private key of the maker
+    std::string password_file; ///< of that key; empty for none
+    std::string output_path;
+};
+
+/// Signs firmware as its maker and writes the archive.
+bool make_firmware_archive(const FIRMWARE_REQUEST& request, std::string& message);
+
+#endif
