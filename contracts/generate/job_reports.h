@@ -1,0 +1,15 @@
+#ifndef JOB_REPORTS_H
+#define JOB_REPORTS_H
+
+#include "finding.h"
+#include "output_plan.h"
+
+#include <string>
+
+/// Reports what forbids generation and says whether there was nothing of that kind.
+bool report_findings(const FINDINGS& findings);
+
+/// Reports that an output could not be written, and why: a whole sentence.
+void report_failure(const OUTPUT_PLAN& plan, const std::string& reason);
+
+#endif
