@@ -158,6 +158,19 @@ TEST_F(VEK_FILE_EDIT_TEST, a_cancelled_dialog_keeps_the_text_and_leaves_the_proc
     EXPECT_EQ(FIO_FILE_SYSTEM::get_current_directory(), m_directory / "in");
 }
 
+TEST_F(VEK_FILE_EDIT_TEST, without_a_working_directory_the_text_alone_says_where_the_dialog_opens)
+{
+    type(m_directory / "in/top.sof");
+    NIVO_NATIVE_FILE_DLG::reject_next();
+    browse();
+    EXPECT_EQ(FIO_FILE_SYSTEM::get_current_directory(), m_directory / "in");
+    type("top.sof");
+    NIVO_NATIVE_FILE_DLG::reject_next();
+    browse();
+    EXPECT_EQ(FIO_FILE_SYSTEM::get_current_directory(), m_directory / "in")
+        << "a bare name names no directory";
+}
+
 TEST_F(VEK_FILE_EDIT_TEST, an_empty_field_opens_the_dialog_in_the_working_directory)
 {
     set_working_directory(m_directory.path());

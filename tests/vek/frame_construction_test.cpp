@@ -153,6 +153,20 @@ TEST_F(VEK_FRAME_CONSTRUCTION, the_sixteen_connections_are_made_in_their_order)
     EXPECT_EQ(made.join('\n').toStdString(), expected.join('\n').toStdString());
 }
 
+TEST_F(VEK_FRAME_CONSTRUCTION, the_signal_and_the_slots_stand_in_their_order)
+{
+    const QMetaObject& meta = VEK_FRAME_WND::staticMetaObject;
+    QStringList methods;
+    for (int index = meta.methodOffset(); index < meta.methodCount(); ++index) {
+        methods << QString::fromLatin1(meta.method(index).methodSignature());
+    }
+    EXPECT_EQ(methods.join(' ').toStdString(),
+              "mode_changed(PGMIO_CONFIG_SCHEME,bool) on_open_action() set_family(int) set_mode(int) "
+              "set_custom_db_dir() emit_mode_changed_signal(int) update_input_files_tab() "
+              "update_config_device_tab() reset_config_device_tab(PGMIO_CONFIG_SCHEME,bool) user_reset() "
+              "update_cache() generate() generate_finished()");
+}
+
 TEST_F(VEK_FRAME_CONSTRUCTION, a_new_window_stands_on_its_first_tab_with_the_others_closed)
 {
     const auto frame = make_frame();

@@ -3,6 +3,7 @@
 #include "missing_files_box.h"
 #include "pgm_device.h"
 #include "vek_db.h"
+#include "vek_file_assistant_double.h"
 #include "vek_frame_fixture.h"
 
 #include <utility>
@@ -175,6 +176,22 @@ TEST_F(VEK_FRAME_MODE, a_refill_announces_mode_zero_and_the_first_mode_and_repla
     EXPECT_EQ(cache(*frame).family, DEV_FAMILY_BASALT);
 }
 
+TEST_F(VEK_FRAME_MODE, another_family_leads_back_to_the_first_tab_and_closes_the_others)
+{
+    const auto frame = make_frame();
+    add_output(*document(*frame), "POF", "top", ".");
+    add_bitstream(*document(*frame), "Bitstream_1", "/in/top.sof");
+    frame->update_input_files_tab();
+    frame->update_config_device_tab();
+    ASSERT_TRUE(tabs(*frame)->isTabEnabled(1));
+    ASSERT_TRUE(tabs(*frame)->isTabEnabled(2));
+    tabs(*frame)->setCurrentIndex(2);
+    choose_family(*frame, DEV_FAMILY_BASALT);
+    EXPECT_EQ(tabs(*frame)->currentIndex(), 0);
+    EXPECT_FALSE(tabs(*frame)->isTabEnabled(1));
+    EXPECT_FALSE(tabs(*frame)->isTabEnabled(2));
+}
+
 TEST_F(VEK_FRAME_MODE, choosing_the_family_in_force_changes_nothing)
 {
     const auto frame = make_frame();
@@ -288,6 +305,18 @@ TEST_F(VEK_FRAME_MODE, the_input_tab_needs_an_output_type_and_a_name)
     EXPECT_TRUE(VEK_FILE_ASSISTANT::get_bitstream_ids(document(*frame)).empty()) << "the tab is reset";
 }
 
+TEST_F(VEK_FRAME_MODE, an_input_tab_that_closes_puts_the_family_of_the_combo_back_with_a_refill)
+{
+    const auto frame = make_frame();
+    cache(*frame).family = DEV_FAMILY_BASALT;
+    cache(*frame).device_name = "BS1L15";
+    MODE_SPY spy(*frame);
+    frame->update_input_files_tab();
+    EXPECT_EQ(cache(*frame).family, DEV_FAMILY_DEFAULT_CHOICE);
+    EXPECT_EQ(cache(*frame).device_name, "");
+    EXPECT_EQ(spy.take(), (ANNOUNCED{{PGMIO_CONFIG_SCHEME_PS, true}, {PGMIO_CONFIG_SCHEME_AS, true}}));
+}
+
 TEST_F(VEK_FRAME_MODE, the_flash_tab_needs_flash_families_an_input_and_outputs_that_agree)
 {
     const auto frame = make_frame();
@@ -303,6 +332,11 @@ TEST_F(VEK_FRAME_MODE, the_flash_tab_needs_flash_families_an_input_and_outputs_t
     EXPECT_TRUE(opens());
     add_output(*document(*frame), "SVF", "top", ".");
     EXPECT_FALSE(opens()) << "no flash family in common";
+    ASSERT_TRUE(VEK_FILE_ASSISTANT::remove(document(*frame), VEK_CMD_OPT_OUTPUT_FILE,
+                                           {{VEK_CMD_PARAM_OUTPUT_FILE_TYPE, "SVF"}}));
+    EXPECT_TRUE(opens());
+    ASSERT_TRUE(VEK_FILE_ASSISTANT::remove(document(*frame), VEK_CMD_OPT_SETTINGS, {}));
+    EXPECT_FALSE(opens()) << "without a mode there are no flash families";
 }
 
 TEST_F(VEK_FRAME_MODE, a_flash_tab_that_closes_loses_its_devices)
@@ -389,9 +423,17 @@ TEST_F(VEK_FRAME_MODE, a_confirmed_reset_goes_the_way_of_the_start)
     tabs(*frame)->setCurrentIndex(1);
     cache(*frame).output_directory = "/out";
     vek_util_double().asked_families.clear();
+    MODE_SPY spy(*frame);
     MODAL_ANSWERS answers;
     answers.click(QMessageBox::Yes);
     frame->user_reset();
+    // The first family of the list, the default one, and once more behind both.
+    const ANNOUNCED refill{{PGMIO_CONFIG_SCHEME_PS, true}, {PGMIO_CONFIG_SCHEME_AS, true}};
+    ANNOUNCED three_refills;
+    for (int times = 0; times < 3; ++times) {
+        three_refills.insert(three_refills.end(), refill.begin(), refill.end());
+    }
+    EXPECT_EQ(spy.take(), three_refills);
     EXPECT_EQ(vek_util_double().asked_families,
               (std::vector<DEV_FAMILY_ENUM>{DEV_FAMILY_BASALT, DEV_FAMILY_DEFAULT_CHOICE}));
     EXPECT_EQ(family_combo(*frame)->currentData().toInt(), 48);
@@ -411,6 +453,19 @@ TEST_F(VEK_FRAME_MODE, the_family_of_an_open_project_is_selected)
     EXPECT_EQ(cache(*frame).family, DEV_FAMILY_CALCITE);
     EXPECT_EQ(family_combo(*frame)->currentText(), QStringLiteral("Calcite"));
     EXPECT_FALSE(BRIM_MANAGER::get_brim_manager()->is_read_locked());
+}
+
+TEST_F(VEK_FRAME_MODE, a_project_that_is_locked_already_gives_its_family_too_and_a_lock_back)
+{
+    write_file(m_directory / "top.brim", std::string("FAMILY = Calcite\n"));
+    BRIM_MANAGER& manager = *BRIM_MANAGER::get_brim_manager();
+    std::string message;
+    ASSERT_TRUE(manager.open_project(m_directory / "top.brim", message)) << message;
+    ASSERT_TRUE(manager.read_lock(true));
+    write_file(m_directory / "top.brim", std::string("FAMILY = Granite\n"));
+    const auto frame = make_frame();
+    EXPECT_EQ(cache(*frame).family, DEV_FAMILY_CALCITE) << "the values do not change under a lock";
+    EXPECT_FALSE(manager.is_read_locked());
 }
 
 TEST_F(VEK_FRAME_MODE, a_project_of_another_family_is_passed_over_in_silence)
@@ -436,4 +491,19 @@ TEST_F(VEK_FRAME_MODE, the_flash_database_directory_is_copied_into_the_document_
     frame->set_custom_db_dir();
     ASSERT_TRUE(VEK_FILE_ASSISTANT::get_custom_db_dir(document(*frame), directory));
     EXPECT_EQ(directory, "");
+}
+
+TEST_F(VEK_FRAME_MODE, mode_and_flash_database_directory_are_written_as_settings)
+{
+    const auto frame = make_frame();
+    GFPDB_MGR::set_db_custom_dir(m_directory.path());
+    VEK_FILE_ASSISTANT_LOG log;
+    choose_mode(*frame, PGMIO_CONFIG_SCHEME_AS_X4);
+    EXPECT_EQ(log.take(), "set settings mode=ASX4\n");
+    frame->set_custom_db_dir();
+    EXPECT_EQ(log.take(), "set settings custom_db_dir=" + m_directory.path() + "\n");
+
+    log.refuse = [](const std::string&) { return true; };
+    EXPECT_INTERNAL_ERROR(frame->set_mode(0), "success");
+    EXPECT_INTERNAL_ERROR(frame->set_custom_db_dir(), "status");
 }
