@@ -5,11 +5,13 @@
 #include "nivo_help.h"
 #include "nivo_icon.h"
 #include "nivo_safe_connect.h"
+#include "nivo_screen_room.h"
 #include "pgm_device.h"
 #include "vek_gui_util.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
+#include <QLabel>
 #include <QPushButton>
 #include <QTextEdit>
 #include <QVBoxLayout>
@@ -69,12 +71,18 @@ VEK_DLG_SOF_PROPERTIES::VEK_DLG_SOF_PROPERTIES(const PGM_DEVICE* device, FIO_FIL
     auto* const main_layout = new (std::nothrow) QVBoxLayout(this);
     VEK_ASSERT_TEXT(main_layout != nullptr, "main_layout");
     main_layout->addWidget(m_properties);
+    if (m_properties->get_ids(false).empty()) {
+        auto* const nothing_label = new QLabel(tr("There is nothing to set for this file."));
+        nothing_label->setObjectName(QStringLiteral("m_nothing_label"));
+        main_layout->addWidget(nothing_label);
+    }
     if (m_legal_checkbox != nullptr) {
         main_layout->addWidget(m_legal_text);
         main_layout->addWidget(m_legal_checkbox);
     }
     main_layout->addWidget(m_button_box);
     main_layout->setSizeConstraint(QLayout::SetFixedSize);
+    nivo_fit_to_screen(*this, *m_properties);
 
     if (m_legal_checkbox != nullptr) {
         nivo_safe_connect(m_legal_checkbox, SIGNAL(clicked()), this, SLOT(on_change_legal_checkbox()),

@@ -10,9 +10,18 @@
 #include <QLineEdit>
 #include <QToolButton>
 
+namespace
+{
+
+/// Enough of a path to tell it from another.
+constexpr int PATH_CHARACTERS = 32;
+
+} // namespace
+
 VEK_FILE_EDIT::VEK_FILE_EDIT(QWidget* parent) : QWidget(parent)
 {
     m_line_edit = new QLineEdit(this);
+    m_line_edit->setMinimumWidth(PATH_CHARACTERS * m_line_edit->fontMetrics().averageCharWidth());
     m_browse_button = new QToolButton(this);
     m_browse_button->setText(QStringLiteral("..."));
     m_browse_button->setToolTip(tr("Browse"));
