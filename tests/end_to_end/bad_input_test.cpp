@@ -116,6 +116,8 @@ struct BAD_SETUP {
     const char* name;
     std::string content;
     const char* sentence;
+
+    friend void PrintTo(const BAD_SETUP& setup, std::ostream* out) { *out << setup.name; }
 };
 
 class BAD_SETUP_FILE : public testing::TestWithParam<BAD_SETUP>

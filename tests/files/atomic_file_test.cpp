@@ -414,7 +414,9 @@ class SPOOL : public testing::TestWithParam<bool>
 {
 };
 
-INSTANTIATE_TEST_SUITE_P(file_systems, SPOOL, testing::Bool());
+INSTANTIATE_TEST_SUITE_P(file_systems, SPOOL, testing::Bool(), [](const auto& each) {
+    return each.param ? "without_unnamed_files" : "with_unnamed_files";
+});
 
 TEST_P(SPOOL, holds_data_without_a_name)
 {

@@ -6,6 +6,21 @@
 #include <array>
 #include <vector>
 
+static void PrintTo(BIT_SWAP_METHOD method, std::ostream* out)
+{
+    switch (method) {
+    case BIT_SWAP_METHOD::PORTABLE:
+        *out << "portable";
+        return;
+    case BIT_SWAP_METHOD::SSSE3:
+        *out << "SSSE3";
+        return;
+    case BIT_SWAP_METHOD::AVX2:
+        *out << "AVX2";
+        return;
+    }
+}
+
 namespace
 {
 
@@ -25,7 +40,8 @@ class BIT_SWAP : public testing::TestWithParam<BIT_SWAP_METHOD>
 
 INSTANTIATE_TEST_SUITE_P(methods, BIT_SWAP,
                          testing::Values(BIT_SWAP_METHOD::PORTABLE, BIT_SWAP_METHOD::SSSE3,
-                                         BIT_SWAP_METHOD::AVX2));
+                                         BIT_SWAP_METHOD::AVX2),
+                         [](const auto& row) { return testing::PrintToString(row.param); });
 
 TEST_P(BIT_SWAP, reverses_every_byte_at_every_length_and_alignment)
 {

@@ -8,6 +8,12 @@
 
 #include <set>
 
+// The address of the format, which googletest would print, is another one in every run.
+static void PrintTo(const FORMAT_ROW& row, std::ostream* out)
+{
+    *out << "type_" << row.type;
+}
+
 namespace
 {
 struct SAMPLE {
@@ -60,7 +66,7 @@ bool verifies(const FORMAT& format, const FORMAT_REQUEST& request, const BYTES& 
 
 std::string name(const testing::TestParamInfo<FORMAT_ROW>& info)
 {
-    return "type_" + std::to_string(info.param.type);
+    return testing::PrintToString(info.param);
 }
 
 class every_format : public testing::TestWithParam<FORMAT_ROW>

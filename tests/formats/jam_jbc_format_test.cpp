@@ -59,6 +59,8 @@ struct PROGRAM_FORMAT {
     const char* name;
     const FORMAT& format;
     PLAYER (*player)(const BYTES& file);
+
+    friend void PrintTo(const PROGRAM_FORMAT& row, std::ostream* out) { *out << row.name; }
 };
 
 class jtag_program : public testing::TestWithParam<PROGRAM_FORMAT>

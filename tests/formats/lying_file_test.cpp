@@ -195,6 +195,8 @@ struct READER {
     const char* name;
     const FORMAT& format;
     BYTES (*lie)(const BYTES& good, DICE& random);
+
+    friend void PrintTo(const READER& row, std::ostream* out) { *out << row.name; }
 };
 
 class lying_file : public testing::TestWithParam<READER>
