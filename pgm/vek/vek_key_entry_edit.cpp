@@ -6,9 +6,11 @@
 #include "vek_key_file_assistant.h"
 #include "vek_key_text.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QMessageBox>
+#include <QScrollBar>
 #include <QToolButton>
 
 #include <algorithm>
@@ -202,6 +204,10 @@ void VEK_KEY_ENTRY_EDIT::do_show()
         m_key_combo->addItem(m_show_key ? QStringLiteral("%1 (%2)").arg(item.name, item.key)
                                         : VEK_KEY_TEXT::copy(item.name));
     }
+    // The row is too short for a key; the list that it opens shall not be.
+    QAbstractItemView& list = *m_key_combo->view();
+    list.setMinimumWidth(m_show_key ? list.sizeHintForColumn(0) + list.verticalScrollBar()->sizeHint().width()
+                                    : 0);
     m_key_combo->setCurrentIndex(current_index);
 }
 

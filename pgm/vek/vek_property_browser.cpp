@@ -8,6 +8,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -19,6 +20,30 @@
 
 namespace
 {
+
+/// Makes a label look as live as its editor: on a dark screen an empty field alone does not tell.
+class LABEL_STATE : public QObject
+{
+public:
+    LABEL_STATE(QWidget& label, QWidget& editor) : QObject(&label), m_label(label), m_editor(editor)
+    {
+        m_editor.installEventFilter(this);
+        update();
+    }
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::EnabledChange) {
+            update();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    void update() { m_label.setEnabled(m_editor.isEnabledTo(m_editor.parentWidget())); }
+
+    QWidget& m_label;
+    QWidget& m_editor;
+};
 
 template <typename EDITOR>
 EDITOR& editor_of(const VEK_PROPERTY_BROWSER::PROPERTY& property)
@@ -171,6 +196,7 @@ void VEK_PROPERTY_BROWSER::add_property_to_layout(const PROPERTY& property, QGri
     }
     if (auto* const label = qobject_cast<QLabel*>(property.label)) {
         label->setBuddy(property.widget); // gives the editor its name for assistive technology
+        new LABEL_STATE(*label, *property.widget);
     }
     if (property.id != NO_ID) {
         m_properties[property.id] = property;

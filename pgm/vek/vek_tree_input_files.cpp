@@ -17,13 +17,16 @@
 namespace
 {
 
+constexpr int HALF_LIGHT = 128;
+const QColor LIGHT_RED(255, 110, 110);
+
 bool is_sof_path(const FIO_PATH& path)
 {
     return fio_get_extension_type(path.extension()) == FIO_EXT_SOF;
 }
 
 /// The model says black for all that is well, which nobody can read on a dark background. So that is taken
-/// for the colour of plain text.
+/// for the colour of plain text, and the red of what is not is made lighter there.
 class PLAIN_TEXT_DELEGATE : public QStyledItemDelegate
 {
 public:
@@ -34,8 +37,11 @@ protected:
     {
         const QPalette palette = option->palette;
         QStyledItemDelegate::initStyleOption(option, index);
-        if (option->palette.color(QPalette::Text) == Qt::black) {
+        const QColor color = option->palette.color(QPalette::Text);
+        if (color == Qt::black) {
             option->palette = palette;
+        } else if (color == Qt::red && palette.color(QPalette::Base).lightness() < HALF_LIGHT) {
+            option->palette.setColor(QPalette::Text, LIGHT_RED);
         }
     }
 };

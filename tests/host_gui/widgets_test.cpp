@@ -512,7 +512,9 @@ protected:
         const QPoint place = widget.rect().center();
         QWheelEvent event(place, widget.mapToGlobal(place), QPoint(), QPoint(0, -120), Qt::NoButton,
                           Qt::NoModifier, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(&widget, &event);
+        // Only what comes from the window system goes on to the widgets around.
+        QSpontaneKeyEvent::setSpontaneous(&event);
+        qApp->notify(&widget, &event);
     }
 
     QDialog m_dialog;

@@ -2,6 +2,7 @@
 #include "msg_service.h"
 #include "vek_property_browser.h"
 
+#include <QAbstractItemView>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalSpy>
@@ -180,6 +181,17 @@ TEST_F(KEY_ENTRY_EDIT, showing_twice_gives_the_same_list_and_row_as_before)
     tool("m_show_button")->click();
     EXPECT_EQ(rows(), "[one] two three");
     EXPECT_EQ(last_signal(), "1111");
+}
+
+TEST_F(KEY_ENTRY_EDIT, a_key_that_is_shown_can_be_read_in_the_list)
+{
+    add("one", "1111");
+    const auto width = [this] { return combo()->view()->minimumWidth(); };
+    EXPECT_EQ(width(), 0);
+    tool("m_show_button")->click();
+    EXPECT_GT(width(), combo()->fontMetrics().horizontalAdvance(QStringLiteral("one (1111)")));
+    tool("m_show_button")->click();
+    EXPECT_EQ(width(), 0);
 }
 
 TEST_F(KEY_ENTRY_EDIT, an_internal_error_ends_a_list_that_lost_a_key)

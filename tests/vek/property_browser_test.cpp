@@ -229,3 +229,20 @@ TEST_F(PROPERTY_BROWSER, a_key_is_never_put_into_a_row)
     EXPECT_INTERNAL_ERROR(m_browser.set_widget_value(1, QStringLiteral("0123")),
                           "Should not set key entry property due to security concern");
 }
+
+TEST_F(PROPERTY_BROWSER, a_label_is_grey_while_its_editor_is_disabled)
+{
+    const PROPERTY early = line(1);
+    early.widget->setEnabled(false);
+    ASSERT_TRUE(m_browser.add_property_group(QStringLiteral("Group"), {early, line(2)}));
+    const PROPERTY late = m_browser.get_property(2);
+    EXPECT_FALSE(early.label->isEnabled());
+    EXPECT_TRUE(late.label->isEnabled());
+    late.widget->setEnabled(false);
+    EXPECT_FALSE(late.label->isEnabled());
+    m_browser.setEnabled(false);
+    late.widget->setEnabled(true);
+    m_browser.setEnabled(true);
+    EXPECT_TRUE(late.label->isEnabled());
+    EXPECT_FALSE(early.label->isEnabled());
+}

@@ -1,5 +1,6 @@
 #include "cfg.h"
 #include "gen_legal_text.h"
+#include "nivo_screen_room.h"
 #include "pgm_common_ini.h"
 #include "sof_properties_fixture.h"
 #include "vek_file_edit.h"
@@ -7,6 +8,7 @@
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTextEdit>
@@ -74,6 +76,34 @@ TEST_F(SOF_PROPERTIES_RULES, ok_accepts_and_cancel_rejects)
     EXPECT_EQ(dialog->result(), QDialog::Accepted);
     dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Cancel)->click();
     EXPECT_EQ(dialog->result(), QDialog::Rejected);
+}
+
+TEST_F(SOF_PROPERTIES_RULES, a_file_without_properties_says_so)
+{
+    for (const DEV_FAMILY_ENUM family : {DEV_FAMILY_DOLOMITE, DEV_FAMILY_GYPSUM}) {
+        const DIALOG dialog = make(family, FIO_SOF_FILE);
+        ASSERT_EQ(dialog->layout()->count(), 3);
+        EXPECT_EQ(qobject_cast<QLabel*>(dialog->layout()->itemAt(1)->widget())->text(),
+                  QStringLiteral("There is nothing to set for this file."));
+        EXPECT_TRUE(ok_button(*dialog)->isEnabled());
+    }
+    EXPECT_EQ(make(DEV_FAMILY_BASALT, FIO_SOF_FILE)->findChild<QLabel*>(QStringLiteral("m_nothing_label")),
+              nullptr);
+}
+
+TEST_F(SOF_PROPERTIES_RULES, on_a_small_screen_the_properties_scroll_over_the_buttons)
+{
+    nivo_override_screen_room(QSize(1024, 600));
+    const DIALOG dialog = make(DEV_FAMILY_GRANITE, FIO_SOF_FILE);
+    nivo_override_screen_room(QSize());
+    dialog->show();
+    EXPECT_EQ(dialog->height(), 600);
+    EXPECT_EQ(dialog->layout()->sizeConstraint(), QLayout::SetFixedSize);
+    ASSERT_EQ(dialog->layout()->count(), 4);
+    EXPECT_TRUE(dialog->layout()->itemAt(0)->widget()->isAncestorOf(browser(*dialog)));
+    EXPECT_EQ(dialog->layout()->itemAt(2)->widget(), legal_checkbox(*dialog));
+    EXPECT_TRUE(is_visible(*dialog, SECURE));
+    EXPECT_EQ(value(*dialog, SECURE), "2");
 }
 
 // The disclaimer
