@@ -11,6 +11,7 @@
 #include "flash_image.h"
 #include "format_registry.h"
 #include "pack.h"
+#include "region_checksums.h"
 
 #include <cstring>
 #include <iostream>
@@ -80,13 +81,23 @@ bool run(const FORMAT_ROW& row, const std::vector<std::string>& paths, FORMAT_RE
         region.length = input->size();
         region.block_end = at + input->size() - 1;
         region.input = input->path().substr(input->path().rfind('/') + 1);
-        if (!image.add(at, input, message) || !crc32_of_source(*input, region.crc, message))
+        if (!image.add(at, input, message))
             return false;
         request.regions.push_back(region);
         at += input->size();
     }
-    request.image = &image;
-    return produce(*row.format, request, paths.front(), switches.verify, message) &&
+    // As the generation does: the writer of the image finds the checksums for the map.
+    REGION_CHECKSUMS checksums(image, request.regions);
+    const auto add_checksums = [&] {
+        for (std::size_t i = 0; i != request.regions.size(); ++i)
+            if (!checksums.get(i, request.regions[i].crc, message))
+                return false;
+        return true;
+    };
+    const std::unique_ptr<const BYTE_SOURCE> listening = checksums.listen();
+    request.image = listening.get();
+    return (!row.format->tells_checksums() || add_checksums()) &&
+           produce(*row.format, request, paths.front(), switches.verify, message) && add_checksums() &&
            produce(*find_format(VEK_MAP_FILE_TYPE), request, paths.front() + ".map", switches.verify,
                    message);
 }

@@ -22,7 +22,7 @@ struct IMAGE_REGION {
     bool has_page = false;
     unsigned page = 0;
     std::string input;     ///< file names of the inputs, without directories; empty for generated content
-    std::uint32_t crc = 0; ///< CRC-32 of the content
+    std::uint32_t crc = 0; ///< CRC-32 of the content; for formats that tell it
 
     bool operator==(const IMAGE_REGION&) const = default;
 };
@@ -123,6 +123,9 @@ public:
     /// with 0xFF where it has no content (POF: the whole device). False with the reason and the place in
     /// `message` when the file is damaged, when the format carries no image, or when the sink fails.
     virtual bool decode(const BYTE_SOURCE& file, BYTE_SINK& sink, std::string& message) const = 0;
+
+    /// Whether the file tells the checksums of the regions, so that a request needs them.
+    virtual bool tells_checksums() const { return false; }
 
     /// Collects what there is to tell about `file`. Fails as decode() does.
     virtual bool inspect(const BYTE_SOURCE& file, FORMAT_FACTS& facts, std::string& message) const = 0;

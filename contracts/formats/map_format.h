@@ -13,6 +13,7 @@ public:
     bool verify(const FORMAT_REQUEST& request, const BYTE_SOURCE& file, std::string& message) const override;
     bool decode(const BYTE_SOURCE& file, BYTE_SINK& sink, std::string& message) const override;
     bool inspect(const BYTE_SOURCE& file, FORMAT_FACTS& facts, std::string& message) const override;
+    bool tells_checksums() const override { return true; }
 };
 
 #endif

@@ -15,6 +15,7 @@ public:
     /// Gives the whole device.
     bool decode(const BYTE_SOURCE& file, BYTE_SINK& sink, std::string& message) const final;
     bool inspect(const BYTE_SOURCE& file, FORMAT_FACTS& facts, std::string& message) const final;
+    bool tells_checksums() const final { return true; }
 
 protected:
     explicit FLASH_FILE_FORMAT(const pof::KIND& kind) : m_kind(kind) {}

@@ -22,8 +22,12 @@ public:
     {
         m_content.image = std::make_unique<FLASH_IMAGE>(m_plan.size);
         m_content.regions.clear();
-        return lay_inputs(message) && measure_inputs(message) && lay_tables(message) &&
-               measure_tables(message);
+        if (!lay_inputs(message)) {
+            return false;
+        }
+        describe_regions();
+        m_content.checksums = std::make_unique<REGION_CHECKSUMS>(*m_content.image, m_content.regions);
+        return lay_tables(message);
     }
 
 private:
@@ -39,39 +43,19 @@ private:
         return true;
     }
 
-    bool measure(const PARTITION_PLAN& partition, IMAGE_REGION& region, std::string& message) const
-    {
-        region.length = partition.content_size;
-        const std::shared_ptr<const BYTE_SOURCE> image(std::shared_ptr<void>(), m_content.image.get());
-        return crc32_of_source(RANGE_SOURCE(image, region.start, region.length), region.crc, message);
-    }
-
-    bool measure_inputs(std::string& message)
+    void describe_regions()
     {
         for (const PARTITION_PLAN* partition : m_sorted) {
             IMAGE_REGION region;
             region.name = partition->element->id;
             region.start = partition->place.start;
+            region.length = partition->content_size;
             region.block_end = partition->place.end;
             region.has_page = partition->page.has_value();
             region.page = partition->page.value_or(0);
             region.input = partition->input_names;
-            if (!partition->is_generated() && !measure(*partition, region, message)) {
-                return false;
-            }
             m_content.regions.push_back(region);
         }
-        return true;
-    }
-
-    bool measure_tables(std::string& message)
-    {
-        for (std::size_t i = 0; i < m_sorted.size(); ++i) {
-            if (m_sorted[i]->is_generated() && !measure(*m_sorted[i], m_content.regions[i], message)) {
-                return false;
-            }
-        }
-        return true;
     }
 
     bool lay_tables(std::string& message)
@@ -96,8 +80,7 @@ private:
             table = make_options();
             return true;
         case PARTITION_CONTENT_PARTITIONS:
-            table = make_sub_partitions();
-            return true;
+            return make_sub_partitions(table, message);
         case PARTITION_CONTENT_POINTERS:
             table = make_pointers();
             return true;
@@ -122,18 +105,23 @@ private:
         return build_options_table(pages);
     }
 
-    std::vector<std::uint8_t> make_sub_partitions() const
+    bool make_sub_partitions(std::vector<std::uint8_t>& table, std::string& message) const
     {
         std::vector<SUB_PARTITION_ENTRY> entries;
         for (std::size_t i = 0; i < m_sorted.size(); ++i) {
             const PARTITION_PLAN& partition = *m_sorted[i];
+            std::uint32_t crc = 0;
+            if (!partition.is_generated() && !m_content.checksums->get(i, crc, message)) {
+                return false;
+            }
             const std::uint32_t flags = (partition.rule != nullptr ? SUB_PARTITION_RESERVED : 0U) |
                                         (partition.is_generated() ? SUB_PARTITION_GENERATED : 0U);
             entries.push_back({partition.element->id, partition.place.start,
-                               partition.place.end - partition.place.start + 1, partition.content_size,
-                               m_content.regions[i].crc, flags});
+                               partition.place.end - partition.place.start + 1, partition.content_size, crc,
+                               flags});
         }
-        return build_sub_partition_table(entries);
+        table = build_sub_partition_table(entries);
+        return true;
     }
 
     /// Application images by page; those without a page behind the others, by address.

@@ -7,6 +7,7 @@
 #include "format.h"
 #include "partition_layout.h"
 #include "partition_rules.h"
+#include "region_checksums.h"
 #include "setup_facts.h"
 #include "setup_view.h"
 
@@ -60,11 +61,12 @@ bool plan_flash(const SETUP_VIEW& setup, const SETUP_FACTS& facts,
 /// A flash image with the regions that the formats tell about.
 struct FLASH_CONTENT {
     std::unique_ptr<FLASH_IMAGE> image;
-    std::vector<IMAGE_REGION> regions; ///< ascending by start
+    std::vector<IMAGE_REGION> regions; ///< ascending by start; without their checksums
+    std::unique_ptr<REGION_CHECKSUMS> checksums;
 };
 
-/// Puts the content of a plan together and fills the tables that generation writes. Reads all content once
-/// for the checksums. False with a whole sentence in `message`.
+/// Puts the content of a plan together and fills the tables that generation writes. Reads what these tables
+/// have a checksum of. False with a whole sentence in `message`.
 bool build_flash_content(const FLASH_PLAN& plan, FLASH_CONTENT& content, std::string& message);
 
 /// How a flash device stands in findings.

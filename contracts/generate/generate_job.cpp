@@ -9,7 +9,9 @@
 #include "progress.h"
 #include "vek_msgs.h"
 
+#include <algorithm>
 #include <new>
+#include <numeric>
 
 namespace
 {
@@ -99,6 +101,18 @@ private:
         return report_findings(targets) && directories_exist;
     }
 
+    /// Those that tell checksums come last: whoever writes the image before them finds these out by the way.
+    std::vector<std::size_t> writing_order() const
+    {
+        std::vector<std::size_t> order(m_plans.size());
+        std::iota(order.begin(), order.end(), std::size_t(0));
+        std::stable_partition(order.begin(), order.end(), [this](std::size_t i) {
+            const FORMAT* const format = find_format(m_plans[i].type);
+            return format == nullptr || !format->tells_checksums();
+        });
+        return order;
+    }
+
     void write_all()
     {
         m_written.resize(m_plans.size());
@@ -111,7 +125,9 @@ private:
             }
         }
         const PROGRESS_SCOPE scope(total);
-        run_parallel(m_plans.size(), m_options.threads, [this](std::size_t i) {
+        const std::vector<std::size_t> order = writing_order();
+        run_parallel(m_plans.size(), m_options.threads, [&](std::size_t turn) {
+            const std::size_t i = order[turn];
             try {
                 write_one(m_plans[i], m_written[i]);
             } catch (const std::bad_alloc&) {
@@ -129,13 +145,15 @@ private:
             vek_report(MSG_VEK::E::CAN_NOT_GENERATE(plan.path));
             return;
         }
-        if (!m_ingredients.make_request(plan, request, message)) {
+        if (!m_ingredients.make_request(plan, request, message) ||
+            !m_ingredients.add_checksums(plan, request, message)) {
             report_failure(plan, message);
             return;
         }
+        const std::unique_ptr<const BYTE_SOURCE> listening = m_ingredients.listening_image(plan);
         std::optional<PROGRESS_SOURCE> watched;
         if (request.image != nullptr) {
-            request.image = &watched.emplace(*request.image, plan.path);
+            request.image = &watched.emplace(listening ? *listening : *request.image, plan.path);
         }
         const auto file =
             ATOMIC_FILE::create(plan.path, find_format_row(plan.type)->is_secret ? 0600 : 0666, message);

@@ -256,6 +256,27 @@ bool INGREDIENTS::request_flash(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request
     return failure.empty();
 }
 
+bool INGREDIENTS::add_checksums(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request, std::string& failure) const
+{
+    if (subject_of(plan) != FORMAT_SUBJECT::FLASH_IMAGE || !find_format(plan.type)->tells_checksums()) {
+        return true;
+    }
+    const FLASH_CONTENT& content = m_flash.at(flash_key(plan)).content;
+    for (std::size_t i = 0; i < request.regions.size(); ++i) {
+        if (!content.checksums->get(i, request.regions[i].crc, failure)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::unique_ptr<const BYTE_SOURCE> INGREDIENTS::listening_image(const OUTPUT_PLAN& plan) const
+{
+    return subject_of(plan) == FORMAT_SUBJECT::FLASH_IMAGE
+               ? m_flash.at(flash_key(plan)).content.checksums->listen()
+               : nullptr;
+}
+
 bool INGREDIENTS::request_stream(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request, std::string& failure) const
 {
     const std::vector<std::string> ids = stream_ids(plan);

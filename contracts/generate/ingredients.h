@@ -46,8 +46,16 @@ public:
     /// has been reported. After build_streams.
     bool report_digests() const;
 
-    /// The request of an output; false with the reason, a sentence, when what it is made from is not there.
+    /// The request of an output, without checksums of regions; false with the reason, a sentence, when what
+    /// it is made from is not there.
     bool make_request(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request, std::string& failure) const;
+
+    /// Puts the checksums of its regions into the request of an output whose format tells them. False with
+    /// the reason when an input cannot be read.
+    bool add_checksums(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request, std::string& failure) const;
+
+    /// The image of a request, read by one that helps to find the checksums; null for other images.
+    std::unique_ptr<const BYTE_SOURCE> listening_image(const OUTPUT_PLAN& plan) const;
 
 private:
     /// Something made once for several outputs.

@@ -82,7 +82,8 @@ private:
             verdict.problem = plan.path + ": this type of file cannot be verified.";
             return;
         }
-        if (!m_ingredients.make_request(plan, request, message)) {
+        if (!m_ingredients.make_request(plan, request, message) ||
+            !m_ingredients.add_checksums(plan, request, message)) {
             verdict.problem = message;
             return;
         }
