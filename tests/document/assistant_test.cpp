@@ -82,6 +82,26 @@ TEST_F(assistant, setting_the_mode_in_an_empty_document_creates_the_settings)
     EXPECT_EQ(mode, PGMIO_CONFIG_SCHEME_AS_X4);
 }
 
+TEST_F(assistant, a_word_that_is_no_mode_leaves_the_mode_untouched)
+{
+    EXPECT_TRUE(set(VEK_CMD_OPT_SETTINGS, {{VEK_CMD_PARAM_SETTINGS_MODE, "ASX4"}}));
+    root.settings.front()->mode = "RBF";
+    PGMIO_CONFIG_SCHEME mode = PGMIO_CONFIG_SCHEME_FPP;
+    EXPECT_FALSE(A::get_config_mode(&root, mode));
+    EXPECT_EQ(mode, PGMIO_CONFIG_SCHEME_FPP);
+}
+
+TEST_F(assistant, output_types_are_the_primary_ones_in_document_order)
+{
+    for (const char* type : {"RPD", "MAP", "HEX", "RBF"}) {
+        EXPECT_TRUE(add_output(type)) << type;
+    }
+    EXPECT_THAT(A::get_output_file_types(&root),
+                ElementsAre(VEK_RPD_FILE_TYPE, VEK_HEX_FILE_TYPE, VEK_RBF_FILE_TYPE));
+    EXPECT_THAT(A::get_output_file_types(&root, true), ElementsAre(VEK_RPD_FILE_TYPE));
+    EXPECT_THAT(A::get_output_file_types(&root, false), ElementsAre(VEK_HEX_FILE_TYPE, VEK_RBF_FILE_TYPE));
+}
+
 TEST_F(assistant, an_empty_directory_is_a_value)
 {
     std::string directory = "untouched";
@@ -148,6 +168,10 @@ TEST_F(assistant, finders_of_an_empty_document_find_nothing)
     DSET_OTI_DEV_OPTIONS_INFO options;
     EXPECT_FALSE(A::get_internal_configuration_options(&root, options, "F1"));
     EXPECT_INTERNAL_ERROR(A::get_bitstream_ids(nullptr), "document != nullptr");
+    EXPECT_INTERNAL_ERROR(A::get(nullptr, VEK_CMD_OPT_SETTINGS, {}), "document != nullptr");
+    EXPECT_INTERNAL_ERROR(A::set(nullptr, VEK_CMD_OPT_SETTINGS, {}), "document != nullptr");
+    EXPECT_INTERNAL_ERROR(A::remove(nullptr, VEK_CMD_OPT_SETTINGS, {}), "document != nullptr");
+    EXPECT_INTERNAL_ERROR(A::modify_partition_id(nullptr, "a", "b", "F"), "document != nullptr");
 }
 
 TEST_F(assistant, a_call_that_it_cannot_place_changes_nothing)
@@ -190,6 +214,8 @@ TEST_F(assistant, a_value_that_an_attribute_cannot_hold_changes_nothing)
     EXPECT_FALSE(assign(
         "P", {{VEK_CMD_PARAM_ASSIGNMENT_BITSTREAM_ID, "B"}, {VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, "R"}}));
     EXPECT_FALSE(assign("P", {{VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, ""}}));
+    EXPECT_FALSE(assign(
+        "P", {{VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, "R"}, {VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, ""}}));
     EXPECT_TRUE(root.m_childs.empty());
 }
 
@@ -392,6 +418,14 @@ TEST_F(assistant, removing_from_an_assignment_is_idempotent_and_ends_with_its_la
                                                 {VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, "R2"},
                                                 {VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, "R9"}}));
     EXPECT_THAT(raw_ids("P1"), ElementsAre("R1", "R3"));
+    EXPECT_TRUE(assign("P1", {{VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, "R1"},
+                              {VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, "R2"},
+                              {VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, "R3"}}));
+    EXPECT_TRUE(remove(VEK_CMD_OPT_ASSIGNMENT, {{VEK_CMD_PARAM_ASSIGNMENT_PARTITION_ID, "P1"},
+                                                {VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, "R2"},
+                                                {VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, "R2"}}))
+        << "named twice, removed once";
+    EXPECT_THAT(raw_ids("P1"), ElementsAre("R1", "R3"));
     EXPECT_TRUE(remove(VEK_CMD_OPT_ASSIGNMENT, {{VEK_CMD_PARAM_ASSIGNMENT_PARTITION_ID, "P1"},
                                                 {VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, "R1"},
                                                 {VEK_CMD_PARAM_ASSIGNMENT_RAW_FILE_ID, "R3"}}));
@@ -513,6 +547,16 @@ TEST_F(assistant, internal_options_come_from_the_device)
     EXPECT_EQ(options.ufm_source, 2U);
     EXPECT_EQ(options.ufm_source_file, "ufm.hex");
     EXPECT_TRUE(options.option_flag_a && options.option_flag_b);
+
+    EXPECT_TRUE(set(VEK_CMD_OPT_FLASH_DEVICE, {{VEK_CMD_PARAM_FLASH_DEVICE_ID, "F1"},
+                                               {VEK_CMD_PARAM_FLASH_DEVICE_POWER_ON_SCHEME, "3 or so"},
+                                               {VEK_CMD_PARAM_FLASH_DEVICE_WATCHDOG_VALUE, "4096 ms"},
+                                               {VEK_CMD_PARAM_FLASH_DEVICE_FALLBACK_ADDRESS, "0XA00"}}));
+    EXPECT_TRUE(A::get_internal_configuration_options(&root, options, "F1"));
+    EXPECT_EQ(options.power_on_scheme, 2U) << "what is no number changes nothing";
+    EXPECT_FALSE(options.watchdog_enabled);
+    EXPECT_TRUE(options.fallback_enabled);
+    EXPECT_EQ(options.fallback_address, 0xA00U);
 }
 
 TEST_F(assistant, get_answers_the_query_in_its_order)
@@ -577,4 +621,19 @@ TEST_F(assistant, what_get_answers_to_keys_alone_sets_the_same_element_anew)
                   .back()
                   .second,
               "hidden");
+}
+
+TEST_F(assistant, a_secret_that_is_set_anew_leaves_no_trace_in_its_memory)
+{
+    const auto set_password = [this](const std::string& password) {
+        return set(VEK_CMD_OPT_BITSTREAM, {{VEK_CMD_PARAM_BITSTREAM_ID, "B"},
+                                           {VEK_CMD_PARAM_BITSTREAM_PATH, "top.sof"},
+                                           {VEK_CMD_PARAM_BITSTREAM_PATH_PASSWORD, password}});
+    };
+    EXPECT_TRUE(set_password("correct horse battery staple"));
+    const auto* const path = A::get_path_element(&root, "B", "top.sof");
+    const char* const memory = path->password.data();
+    EXPECT_TRUE(set_password("x"));
+    ASSERT_EQ(path->password.data(), memory);
+    EXPECT_EQ(std::string(memory, 28), "x" + std::string(27, '\0'));
 }

@@ -167,6 +167,11 @@ TEST(setup_file, numbers_and_addresses_stay_the_texts_that_they_are)
 TEST(setup_file, refuses_what_the_format_does_not_know)
 {
     const std::string long_value(XML_LIMITS().value_length + 1, 'a');
+    // The parser hands a text on in pieces, one for each reference.
+    std::string in_pieces;
+    for (std::size_t piece = 0; piece <= XML_LIMITS().value_length; ++piece) {
+        in_pieces += "&amp;";
+    }
     const std::pair<std::string, std::string> cases[] = {
         {"<DOC/>", "line 1, column 7: the file begins with the element \"DOC\", a setup begins with VEK."},
         {"<PATH/>", "line 1, column 8: the file begins with the element \"PATH\", a setup begins with VEK."},
@@ -185,6 +190,9 @@ TEST(setup_file, refuses_what_the_format_does_not_know)
         {"<VEK><SETTINGS mode='XX'/></VEK>", "line 1, column 27: the attribute mode of SETTINGS is \"XX\", "
                                              "expected is PS, FPP, ASX1, ASX4, LNKSX8, "
                                              "LNKSX16, LNKSX32 or INTERNAL."},
+        {"<VEK><SETTINGS mode='" + std::string(200, 'X') + "'/></VEK>",
+         "line 1, column 225: the attribute mode of SETTINGS is \"" + std::string(80, 'X') +
+             "...\", expected is PS, FPP, ASX1, ASX4, LNKSX8, LNKSX16, LNKSX32 or INTERNAL."},
         {"<VEK><RAW_FILES><RAW_FILE id='a' bitswap='2'/></RAW_FILES></VEK>",
          "line 1, column 47: the attribute bitswap of RAW_FILE is \"2\", expected is 1, 0, ON, OFF, true or "
          "false."},
@@ -215,6 +223,8 @@ TEST(setup_file, refuses_what_the_format_does_not_know)
         {"<VEK><SETTINGS custom_db_dir='" + long_value + "'/></VEK>",
          "line 1, column 16419: the value of the attribute custom_db_dir is longer than 16384 bytes."},
         {"<VEK><BITSTREAMS><BITSTREAM id='B'><PATH>" + long_value + "</PATH></BITSTREAM></BITSTREAMS></VEK>",
+         ""},
+        {"<VEK><BITSTREAMS><BITSTREAM id='B'><PATH>" + in_pieces + "</PATH></BITSTREAM></BITSTREAMS></VEK>",
          ""},
     };
     for (const auto& [text, expected] : cases) {

@@ -117,7 +117,8 @@ TEST_F(VEK_FRAME_GENERATE, while_it_runs_the_window_is_disabled_behind_a_busy_di
     EXPECT_EQ(started.get_future().get(), VEK_FRAME_WND_PROBE::document(*frame).get());
     EXPECT_FALSE(frame->centralWidget()->isEnabled());
     EXPECT_TRUE(are_entries_enabled(*frame, false));
-    const auto* const busy = qobject_cast<NIVO_BUSY_DLG*>(VEK_FRAME_WND_PROBE::busy_dialog(*frame));
+    const QPointer<NIVO_BUSY_DLG> busy =
+        qobject_cast<NIVO_BUSY_DLG*>(VEK_FRAME_WND_PROBE::busy_dialog(*frame));
     ASSERT_NE(busy, nullptr);
     EXPECT_EQ(busy->windowTitle(), QStringLiteral("Imagewright"));
     EXPECT_EQ(busy->parent(), frame->centralWidget());
@@ -131,6 +132,7 @@ TEST_F(VEK_FRAME_GENERATE, while_it_runs_the_window_is_disabled_behind_a_busy_di
     may_end.set_value();
     finish(*frame);
     EXPECT_NE(worker, std::this_thread::get_id());
+    EXPECT_EQ(busy, nullptr) << "it is gone before the result is told";
     ASSERT_EQ(answers.boxes().size(), 1);
     EXPECT_EQ(answers.boxes().at(0).title, QStringLiteral("Imagewright"));
     EXPECT_EQ(answers.boxes().at(0).text, QStringLiteral("Successfully generated output file(s)."));

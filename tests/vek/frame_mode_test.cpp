@@ -228,6 +228,11 @@ TEST_F(VEK_FRAME_MODE, the_width_of_the_lnks_bus_changes_without_losing_the_setu
     EXPECT_TRUE(tabs(*frame)->isTabEnabled(1));
     EXPECT_TRUE(tabs(*frame)->isTabEnabled(2));
     EXPECT_EQ(cache(*frame).current_mode, PGMIO_CONFIG_SCHEME_LNKS_X16);
+
+    choose_mode(*frame, PGMIO_CONFIG_SCHEME_LNKS_X32);
+    EXPECT_EQ(spy.take(), (ANNOUNCED{{PGMIO_CONFIG_SCHEME_LNKS_X32, false}}));
+    EXPECT_EQ(VEK_FRAME_WND_PROBE::document(*frame), before);
+    EXPECT_EQ(mode_of(*before), "LNKSX32");
 }
 
 TEST_F(VEK_FRAME_MODE, a_mode_outside_the_group_starts_a_new_setup_without_a_question)
@@ -422,6 +427,7 @@ TEST_F(VEK_FRAME_MODE, a_confirmed_reset_goes_the_way_of_the_start)
     frame->update_input_files_tab();
     tabs(*frame)->setCurrentIndex(1);
     cache(*frame).output_directory = "/out";
+    cache(*frame).max_bitstreams = 8;
     vek_util_double().asked_families.clear();
     MODE_SPY spy(*frame);
     MODAL_ANSWERS answers;
@@ -436,6 +442,7 @@ TEST_F(VEK_FRAME_MODE, a_confirmed_reset_goes_the_way_of_the_start)
     EXPECT_EQ(spy.take(), three_refills);
     EXPECT_EQ(vek_util_double().asked_families,
               (std::vector<DEV_FAMILY_ENUM>{DEV_FAMILY_BASALT, DEV_FAMILY_DEFAULT_CHOICE}));
+    EXPECT_EQ(cache(*frame).max_bitstreams, 1u);
     EXPECT_EQ(family_combo(*frame)->currentData().toInt(), 48);
     EXPECT_TRUE(VEK_FILE_ASSISTANT::get_output_file_elements(document(*frame)).empty());
     EXPECT_EQ(mode_of(*document(*frame)), "ASX1");
@@ -444,11 +451,26 @@ TEST_F(VEK_FRAME_MODE, a_confirmed_reset_goes_the_way_of_the_start)
     EXPECT_FALSE(tabs(*frame)->isTabEnabled(2));
 }
 
+TEST_F(VEK_FRAME_MODE, a_reset_that_finds_no_mode_leaves_an_empty_document_in_all_tabs)
+{
+    const auto frame = make_frame();
+    add_output(*document(*frame), "POF", "top", ".");
+    const std::weak_ptr<PGM_COMMON_XML_VEK_VEK> old_document = VEK_FRAME_WND_PROBE::document(*frame);
+    offer_modes(0, 0);
+    MODAL_ANSWERS answers;
+    answers.click(QMessageBox::Yes);
+    frame->user_reset();
+    EXPECT_EQ(mode_combo(*frame)->count(), 0);
+    EXPECT_TRUE(old_document.expired()) << "a tab holds it";
+    EXPECT_TRUE(document(*frame)->m_childs.empty());
+}
+
 TEST_F(VEK_FRAME_MODE, the_family_of_an_open_project_is_selected)
 {
-    write_file(m_directory / "top.brim", std::string("FAMILY = Calcite\n"));
+    write_file(m_directory / "top.brim", std::string("FAMILY = Granite\n"));
     std::string message;
     ASSERT_TRUE(BRIM_MANAGER::get_brim_manager()->open_project(m_directory / "top.brim", message)) << message;
+    write_file(m_directory / "top.brim", std::string("FAMILY = Calcite\n")); // the lock reads it anew
     const auto frame = make_frame();
     EXPECT_EQ(cache(*frame).family, DEV_FAMILY_CALCITE);
     EXPECT_EQ(family_combo(*frame)->currentText(), QStringLiteral("Calcite"));
@@ -471,12 +493,16 @@ TEST_F(VEK_FRAME_MODE, a_project_that_is_locked_already_gives_its_family_too_and
 TEST_F(VEK_FRAME_MODE, a_project_of_another_family_is_passed_over_in_silence)
 {
     const MODAL_ANSWERS no_questions;
-    write_file(m_directory / "top.brim", std::string("FAMILY = Sandstone\n"));
-    std::string message;
-    ASSERT_TRUE(BRIM_MANAGER::get_brim_manager()->open_project(m_directory / "top.brim", message)) << message;
-    const auto frame = make_frame();
-    EXPECT_EQ(cache(*frame).family, DEV_FAMILY_DEFAULT_CHOICE);
-    EXPECT_FALSE(BRIM_MANAGER::get_brim_manager()->is_read_locked());
+    for (const std::string family : {"Sandstone", "Serial Flash 3 V"}) {
+        write_file(m_directory / "top.brim", "FAMILY = " + family + "\n");
+        std::string message;
+        ASSERT_TRUE(BRIM_MANAGER::get_brim_manager()->open_project(m_directory / "top.brim", message))
+            << message;
+        const auto frame = make_frame();
+        EXPECT_EQ(cache(*frame).family, DEV_FAMILY_DEFAULT_CHOICE) << family;
+        EXPECT_EQ(family_combo(*frame)->currentData().toInt(), 48) << family;
+        EXPECT_FALSE(BRIM_MANAGER::get_brim_manager()->is_read_locked());
+    }
 }
 
 TEST_F(VEK_FRAME_MODE, the_flash_database_directory_is_copied_into_the_document_even_when_empty)

@@ -1,8 +1,12 @@
 #include "cfg.h"
 #include "gfpdb_mgr.h"
 #include "missing_files_box.h"
+#include "mok_recent_files.h"
 #include "vek_frame_fixture.h"
 
+#include <QAbstractItemView>
+
+#include <algorithm>
 #include <sys/stat.h>
 
 namespace
@@ -151,6 +155,37 @@ TEST_F(VEK_FRAME_SETUP_FILE, an_opened_setup_shows_all_its_tabs)
     EXPECT_EQ(VEK_FRAME_WND_PROBE::cache(*frame).output_directory, "/in/out");
 }
 
+TEST_F(VEK_FRAME_SETUP_FILE, a_setup_of_the_family_and_mode_in_force_leads_to_the_first_tab_too)
+{
+    const auto frame = make_frame();
+    choose_mode(*frame, PGMIO_CONFIG_SCHEME_AS_X4);
+    tabs(*frame)->setTabEnabled(2, true);
+    tabs(*frame)->setCurrentIndex(2);
+    open_document(*frame, DEV_FAMILY_ZIRCON, [](PGM_COMMON_XML_VEK_VEK& opened) { fill(opened, "/in/"); });
+    EXPECT_EQ(tabs(*frame)->currentIndex(), 0);
+}
+
+TEST_F(VEK_FRAME_SETUP_FILE, the_tabs_take_an_opened_setup_from_left_to_right)
+{
+    const auto frame = make_frame();
+    QStringList refreshed;
+    for (const char* const name : {"m_file_type_tree", "m_input_file_tree", "m_config_device_tree"}) {
+        const auto* const tree = frame->findChild<QAbstractItemView*>(QLatin1String(name));
+        ASSERT_NE(tree, nullptr) << name;
+        QObject::connect(tree->model(), &QAbstractItemModel::modelReset, frame.get(),
+                         [&refreshed, name] { refreshed << QLatin1String(name); });
+    }
+    open_document(*frame, DEV_FAMILY_ZIRCON, [&](PGM_COMMON_XML_VEK_VEK& opened) {
+        fill(opened, "/in/");
+        set(opened, VEK_CMD_OPT_SETTINGS, {{VEK_CMD_PARAM_SETTINGS_MODE, "ASX1"}});
+        refreshed.clear();
+    });
+    // Ticks that come back make the other tabs look again; what counts is when each was last refreshed.
+    std::reverse(refreshed.begin(), refreshed.end());
+    refreshed.removeDuplicates();
+    EXPECT_EQ(refreshed.join(' ').toStdString(), "m_config_device_tree m_input_file_tree m_file_type_tree");
+}
+
 TEST_F(VEK_FRAME_SETUP_FILE, a_setup_of_another_family_switches_both_combos_before_it_is_in_force)
 {
     const auto frame = make_frame();
@@ -253,6 +288,25 @@ TEST_F(VEK_FRAME_SETUP_FILE, an_empty_attribute_stays_empty_where_directory_and_
     expected.push_back(paths.at(expected.size()));
     EXPECT_EQ(expected.back().rfind(BASE, 0), 0u) << expected.back();
     EXPECT_EQ(paths, expected);
+}
+
+TEST_F(VEK_FRAME_SETUP_FILE, an_empty_attribute_stays_empty_when_a_setup_is_saved)
+{
+    set_working_directory(BASE);
+    const auto frame = make_frame();
+    fill(document(*frame), std::string(BASE) + "/");
+    set(document(*frame), VEK_CMD_OPT_FLASH_DEVICE,
+        {{VEK_CMD_PARAM_FLASH_DEVICE_ID, "Flash_Device_1"},
+         {VEK_CMD_PARAM_FLASH_DEVICE_UFM_SOURCE_FILE, ""}});
+    let_check_say(true, true, "");
+    let_save_say(true);
+    frame->save_file(QStringLiteral("/out/setup.vek"));
+    std::vector<std::string> expected = paths_below("");
+    expected.back().clear();
+    EXPECT_EQ(m_saved_paths, expected);
+    expected = paths_below(std::string(BASE) + "/");
+    expected.back().clear();
+    EXPECT_EQ(paths_of(document(*frame)), expected);
 }
 
 TEST_F(VEK_FRAME_SETUP_FILE, a_refused_check_saves_nothing_and_says_why)
@@ -368,6 +422,16 @@ TEST_F(VEK_FRAME_SETUP_FILE, open_does_nothing_with_a_file_that_is_open_already)
     frame->on_open_action();
     EXPECT_EQ(parse_count, 1);
     EXPECT_EQ(VEK_FRAME_WND_PROBE::document(*frame), before);
+    EXPECT_EQ(MOK_RECENT_FILES::get(), QStringList{path});
+
+    // Another window that is asked for it shows the one that has it.
+    const auto other = make_frame();
+    frame->hide();
+    NIVO_NATIVE_FILE_DLG::answer_next({path});
+    other->on_open_action();
+    EXPECT_EQ(parse_count, 1);
+    EXPECT_TRUE(frame->isVisible());
+    EXPECT_FALSE(other->isVisible());
 }
 
 TEST_F(VEK_FRAME_SETUP_FILE, save_as_gives_the_file_the_extension_of_a_setup)
