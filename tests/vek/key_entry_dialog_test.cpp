@@ -1,4 +1,5 @@
 #include "key_entry_fixture.h"
+#include "nivo_icon.h"
 
 #include <QCheckBox>
 #include <QClipboard>
@@ -72,7 +73,7 @@ protected:
 TEST_F(KEY_ENTRY_DIALOG, the_window_has_its_flags_title_icon_and_fixed_size)
 {
     EXPECT_EQ(m_dialog.windowTitle(), QStringLiteral("Encryption Key Entry"));
-    EXPECT_FALSE(m_dialog.windowIcon().isNull());
+    EXPECT_EQ(m_dialog.windowIcon().pixmap(32).toImage(), nivo_get_icon(NIVO_ICON_KEY).pixmap(32).toImage());
     EXPECT_FALSE(m_dialog.isSizeGripEnabled());
     EXPECT_EQ(m_dialog.layout()->sizeConstraint(), QLayout::SetFixedSize);
     const Qt::WindowFlags flags = m_dialog.windowFlags();

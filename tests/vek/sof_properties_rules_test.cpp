@@ -1,5 +1,6 @@
 #include "cfg.h"
 #include "gen_legal_text.h"
+#include "nivo_icon.h"
 #include "nivo_screen_room.h"
 #include "pgm_common_ini.h"
 #include "sof_properties_fixture.h"
@@ -58,7 +59,8 @@ TEST_F(SOF_PROPERTIES_RULES, the_window_has_title_icon_and_fixed_size)
 {
     const DIALOG dialog = make(DEV_FAMILY_CALCITE, FIO_SOF_FILE);
     EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Input File Properties"));
-    EXPECT_FALSE(dialog->windowIcon().isNull());
+    EXPECT_EQ(dialog->windowIcon().pixmap(32).toImage(),
+              nivo_get_icon(NIVO_ICON_IMAGEWRIGHT).pixmap(32).toImage());
     EXPECT_FALSE(dialog->isSizeGripEnabled());
     ASSERT_NE(qobject_cast<QVBoxLayout*>(dialog->layout()), nullptr);
     EXPECT_EQ(dialog->layout()->sizeConstraint(), QLayout::SetFixedSize);

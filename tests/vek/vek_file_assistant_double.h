@@ -21,6 +21,9 @@ public:
     /// names of the command line.
     std::string take();
 
+    /// Queries ("get") are written down too.
+    bool has_queries = false;
+
     /// Refuses the calls for whose line it is true; they do not reach the document.
     std::function<bool(const std::string& line)> refuse;
 
