@@ -3,11 +3,13 @@
 #include "mok_app.h"
 #include "pack.h"
 #include "vek_file_assistant.h"
+#include "vek_frame_wnd.h"
 #include "vek_frame_wnd_cache.h"
 #include "vek_model_input_files.h"
 #include "vek_tree_input_files.h"
 
 #include <QApplication>
+#include <QTabWidget>
 
 #include <benchmark/benchmark.h>
 #include <cstdlib>
@@ -19,17 +21,30 @@ namespace
 {
 
 constexpr int FILE_COUNT = 1000;
+/// The core of the largest device, and firmware up to a hundred megabytes.
+constexpr std::uintmax_t CORE_SIZE = 80 * 1024 * 1024;
+constexpr std::uintmax_t FIRMWARE_SIZE = 20 * 1024 * 1024;
 
 std::string directory;
 
-std::string make_bitstream(const std::string& name, const std::string& device, std::uintmax_t core_size)
+std::string make_hole(const std::string& name, std::uintmax_t size)
+{
+    const std::string path = directory + "/" + name;
+    std::ofstream(path).put('\0');
+    std::filesystem::resize_file(path, size);
+    return path;
+}
+
+std::string make_bitstream(const std::string& name, const std::string& device, std::uintmax_t core_size,
+                           std::uintmax_t firmware_size = 0)
 {
     PACK_REQUEST request;
     request.device = device;
-    request.core_path = directory + "/core";
+    request.core_path = make_hole("core", core_size);
+    if (firmware_size > 0) {
+        request.firmware_path = make_hole("firmware", firmware_size);
+    }
     request.output_path = directory + "/" + name;
-    std::ofstream(request.core_path).put('\0');
-    std::filesystem::resize_file(request.core_path, core_size);
     std::string message;
     if (!pack_bitstream(request, message)) {
         std::cerr << message << "\n";
@@ -44,18 +59,29 @@ struct SESSION {
     std::shared_ptr<VEK_FRAME_WND_CACHE> cache = std::make_shared<VEK_FRAME_WND_CACHE>();
 };
 
-/// One frame: every visible cell, at each scroll position in turn.
-void paint_tree_of_1000_files(benchmark::State& state)
+void add_files(const SESSION& session, bool are_raw)
 {
     const std::string source = make_bitstream("source.sof", "BS1L15", 4096);
-    const SESSION session;
     for (int number = 1; number <= FILE_COUNT; ++number) {
-        const std::string path = directory + "/" + std::to_string(number) + ".sof";
+        const std::string path = directory + "/" + std::to_string(number) + (are_raw ? ".bin" : ".sof");
         std::filesystem::copy_file(source, path, std::filesystem::copy_options::overwrite_existing);
-        VEK_FILE_ASSISTANT::set(session.vek.get(), VEK_CMD_OPT_BITSTREAM,
-                                {{VEK_CMD_PARAM_BITSTREAM_ID, "Bitstream_" + std::to_string(number)},
-                                 {VEK_CMD_PARAM_BITSTREAM_PATH, path}});
+        if (are_raw) {
+            VEK_FILE_ASSISTANT::set(session.vek.get(), VEK_CMD_OPT_RAW_FILE,
+                                    {{VEK_CMD_PARAM_RAW_FILE_ID, "Raw_File_" + std::to_string(number)},
+                                     {VEK_CMD_PARAM_RAW_FILE_RAW_FILE, path}});
+        } else {
+            VEK_FILE_ASSISTANT::set(session.vek.get(), VEK_CMD_OPT_BITSTREAM,
+                                    {{VEK_CMD_PARAM_BITSTREAM_ID, "Bitstream_" + std::to_string(number)},
+                                     {VEK_CMD_PARAM_BITSTREAM_PATH, path}});
+        }
     }
+}
+
+/// One frame: every visible cell, at each scroll position in turn.
+void paint_tree(benchmark::State& state, bool are_raw)
+{
+    const SESSION session;
+    add_files(session, are_raw);
     VEK_TREE_INPUT_FILES tree(session.vek, session.cache, nullptr);
     tree.resize(1000, 800);
     tree.refresh();
@@ -68,7 +94,8 @@ void paint_tree_of_1000_files(benchmark::State& state)
         tree.viewport()->repaint();
     }
 }
-BENCHMARK(paint_tree_of_1000_files)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(paint_tree, of_1000_bitstreams, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(paint_tree, of_1000_raw_files, true)->Unit(benchmark::kMillisecond);
 
 void refresh_1000_files(benchmark::State& state)
 {
@@ -86,9 +113,14 @@ void refresh_1000_files(benchmark::State& state)
 }
 BENCHMARK(refresh_1000_files)->Unit(benchmark::kMillisecond);
 
-void add_bitstream_of_80_mib(benchmark::State& state)
+std::string make_large_bitstream()
 {
-    const std::string path = make_bitstream("large.sof", "ZR9A041", 83'886'080);
+    return make_bitstream("large.sof", "ZR9A041", CORE_SIZE, FIRMWARE_SIZE);
+}
+
+void add_bitstream_of_100_mib(benchmark::State& state)
+{
+    const std::string path = make_large_bitstream();
     for (auto _ : state) {
         const SESSION session;
         VEK_MODEL_INPUT_FILES model(session.vek, session.cache, nullptr);
@@ -96,8 +128,42 @@ void add_bitstream_of_80_mib(benchmark::State& state)
             state.SkipWithError("refused");
         }
     }
+    state.counters["MiB"] = static_cast<double>(std::filesystem::file_size(path)) / (1024 * 1024);
 }
-BENCHMARK(add_bitstream_of_80_mib)->Unit(benchmark::kMillisecond);
+BENCHMARK(add_bitstream_of_100_mib)->Unit(benchmark::kMillisecond);
+
+/// From the choice of the file until the window can be used again, with the row in it: both threads.
+void add_bitstream_of_100_mib_in_the_window(benchmark::State& state)
+{
+    const std::string path = make_large_bitstream();
+    VEK_FRAME_WND frame(nullptr, MOK_FW_STATE_MAIN, nullptr, Qt::WindowFlags());
+    frame.resize(1000, 800);
+    frame.show();
+    auto& tabs = *frame.findChild<QTabWidget*>(QStringLiteral("m_tab_widget"));
+    tabs.setTabEnabled(1, true);
+    tabs.setCurrentIndex(1);
+    auto& tree = *frame.findChild<VEK_TREE_INPUT_FILES*>();
+    QCoreApplication::processEvents();
+    for (auto _ : state) {
+        tree.add_bitstream(FIO_PATH(path));
+        while (!frame.centralWidget()->isEnabled()) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+        tree.viewport()->repaint();
+        state.PauseTiming();
+        if (tree.model()->rowCount() != 1) {
+            state.SkipWithError("refused");
+        }
+        tree.remove_bitstream("Bitstream_1");
+        tree.refresh();
+        QCoreApplication::processEvents();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(add_bitstream_of_100_mib_in_the_window)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
 
 } // namespace
 
