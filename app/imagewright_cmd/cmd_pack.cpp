@@ -5,6 +5,8 @@
 #include "pack.h"
 #include "same_file.h"
 
+#include <charconv>
+
 namespace
 {
 
@@ -30,7 +32,17 @@ public:
             ->add_option("--bootloader", m_request.bootloader_path, "First program of the processor system")
             ->type_name("FILE");
         command->add_option("--scheme", m_request.scheme, scheme_help())->type_name("WORD");
-        command->add_option("-o,--output", m_request.output_path, "Bitstream file to write (.sof)")
+        command->add_flag("--encryption", m_encryption,
+                          "The data is compiled so that its encryption can be finalised");
+        command
+            ->add_option(
+                "--region", m_regions,
+                "Region of a partial bitstream, its offset in the core and its length; may be repeated")
+            ->type_name("NAME:OFFSET:LENGTH")
+            ->allow_extra_args(false);
+        command
+            ->add_option("-o,--output", m_request.output_path,
+                         "Bitstream file to write (.sof, partial .pmsf)")
             ->type_name("FILE")
             ->required();
         command->footer(
@@ -41,9 +53,12 @@ public:
     EXIT_CODE execute(const COMMAND_CONTEXT& context) override
     {
         std::string message;
-        if (!is_scheme_argument(m_request.scheme, message)) {
+        if (!is_scheme_argument(m_request.scheme, message) || !take_regions(message)) {
             context.fail(message);
             return EXIT_CODE_USAGE;
+        }
+        if (m_encryption) {
+            m_request.options["sof_option_encryption"] = true;
         }
         // Told apart here, because the exit code says which side is at fault.
         for (const std::string& path : {m_request.core_path, m_request.periphery_path,
@@ -67,7 +82,38 @@ public:
     }
 
 private:
+    static bool parse_number(const std::string& text, std::uint64_t& number)
+    {
+        const bool hexadecimal = text.starts_with("0x");
+        const char* const begin = text.data() + (hexadecimal ? 2 : 0);
+        const char* const end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(begin, end, number, hexadecimal ? 16 : 10);
+        return begin != end && stop == end && error == std::errc();
+    }
+
+    bool take_regions(std::string& message)
+    {
+        for (const std::string& text : m_regions) {
+            const std::size_t second = text.rfind(':');
+            const std::size_t first =
+                second == 0 || second == std::string::npos ? std::string::npos : text.rfind(':', second - 1);
+            BITSTREAM_REGION region;
+            if (first == std::string::npos ||
+                !parse_number(text.substr(first + 1, second - first - 1), region.offset) ||
+                !parse_number(text.substr(second + 1), region.length)) {
+                message =
+                    "\"" + text + "\" is no region; write name, offset and length, as in left:0x1000:4096.";
+                return false;
+            }
+            region.name = text.substr(0, first);
+            m_request.regions.push_back(region);
+        }
+        return true;
+    }
+
     PACK_REQUEST m_request;
+    bool m_encryption = false;
+    std::vector<std::string> m_regions;
 };
 
 } // namespace

@@ -106,6 +106,7 @@ void add_protection(JSON& document, const STREAM_IMAGE_FACTS& image)
         document["encryption"] = JSON{{"key_id", key_id_text(image.key->id)},
                                       {"key_bits", image.key->key_bits},
                                       {"key_place", key_place_name(image.key->place)},
+                                      {"to_be_completed", image.key->prepared},
                                       {"during_reconfiguration", image.key->during_reconfiguration},
                                       {"fuse_options", fuses}};
     }
@@ -154,11 +155,16 @@ JSON stream_facts_json(const std::string& path, const STREAM_FACTS& facts)
                    {"partial", image.partial},
                    {"decompression_during_pr", image.decompression_during_pr},
                    {"replaces_factory", image.replaces_factory},
+                   {"application", image.application},
                    {"offset", hex_text(image.offset)}};
         add_scheme(entry, image.scheme);
         entry["options"] = image.options.empty() ? JSON::object() : JSON(image.options);
         add_option_block(entry, image.option_word, image.option_block);
         add_protection(entry, image);
+        if (image.update) {
+            entry["update"] = JSON{{"version", image.update->version},
+                                   {"replaces_boot_info", image.update->replaces_boot_info}};
+        }
         if (!image.regions.empty()) {
             entry["regions"] = regions_json(image.regions);
         }

@@ -1,146 +1,20 @@
 #include "configuration_stream.h"
 
-#include "atomic_file.h"
 #include "bitstream_file.h"
 #include "frame_compressor.h"
 #include "frame_sealer.h"
 #include "image_parts.h"
 #include "little_endian.h"
+#include "stream_assembly.h"
 #include "stream_key.h"
 #include "stream_packets.h"
 #include "stream_reader.h"
 #include "stream_signer.h"
 
-#include <botan/hash.h>
-
 #include <algorithm>
-#include <array>
 
 namespace
 {
-
-/// Collects the stream: small things and compressed frames as bytes, plain frames as references to the input.
-class STREAM_ASSEMBLY
-{
-public:
-    explicit STREAM_ASSEMBLY(const std::string& spool_directory)
-        : m_spool_directory(spool_directory), m_hash(Botan::HashFunction::create_or_throw("SHA-256"))
-    {
-    }
-
-    void packet(std::uint8_t opcode, std::span<const std::uint8_t> payload)
-    {
-        memory(encode_packet(opcode, payload));
-    }
-
-    /// What follows, up to the next, is one image.
-    void begin_image(bool is_signed)
-    {
-        m_start_hash = Botan::HashFunction::create_or_throw("SHA-256");
-        m_signed_hash = is_signed ? Botan::HashFunction::create_or_throw("SHA-384") : nullptr;
-    }
-
-    /// What the encryption of the image's first frames is bound to: all that stands before them.
-    FRAME_SEALER::CHAIN chain_start()
-    {
-        const auto digest = m_start_hash->final_stdvec();
-        m_start_hash.reset();
-        FRAME_SEALER::CHAIN chain;
-        std::copy_n(digest.begin(), chain.size(), chain.begin());
-        return chain;
-    }
-
-    /// Signs the image up to here.
-    bool sign(const STREAM_SIGNER& signer, std::string& message)
-    {
-        SHA384_DIGEST digest;
-        m_signed_hash->final(digest.data());
-        m_signed_hash.reset();
-        std::vector<std::uint8_t> signature;
-        if (!signer.sign(digest, signature, message))
-            return false;
-        packet(OPCODE_SIGNATURE, encode_signature(signer.public_key(), signature));
-        return true;
-    }
-
-    void memory(std::span<const std::uint8_t> bytes)
-    {
-        hash(bytes);
-        m_memory.insert(m_memory.end(), bytes.begin(), bytes.end());
-    }
-
-    /// `bytes` are what `source` holds.
-    void reference(std::shared_ptr<const BYTE_SOURCE> source, std::span<const std::uint8_t> bytes)
-    {
-        hash(bytes);
-        flush_memory();
-        m_pieces.push_back({std::move(source), 0, 0});
-    }
-
-    bool spool(std::span<const std::uint8_t> bytes, std::string& message)
-    {
-        hash(bytes);
-        if (!m_spool)
-            m_spool = SPOOL_FILE::create(m_spool_directory, message);
-        if (!m_spool)
-            return false;
-        const bool goes_on = m_memory.empty() && !m_pieces.empty() && !m_pieces.back().source;
-        flush_memory();
-        if (!goes_on)
-            m_pieces.push_back({nullptr, m_spool->size(), 0});
-        if (!m_spool->write(bytes, message))
-            return false;
-        m_pieces.back().length += bytes.size();
-        return true;
-    }
-
-    std::vector<std::uint8_t> digest() const { return m_hash->copy_state()->final_stdvec(); }
-
-    std::shared_ptr<const BYTE_SOURCE> finish(std::string& message)
-    {
-        flush_memory();
-        std::shared_ptr<const BYTE_SOURCE> spooled;
-        if (m_spool && !(spooled = m_spool->source(message)))
-            return nullptr;
-        const auto stream = std::make_shared<CONCATENATED_SOURCE>();
-        for (PIECE& piece : m_pieces)
-            stream->append(piece.source
-                               ? piece.source
-                               : std::make_shared<RANGE_SOURCE>(spooled, piece.offset, piece.length));
-        return stream;
-    }
-
-private:
-    struct PIECE {
-        std::shared_ptr<const BYTE_SOURCE> source; ///< null: a range of the spool
-        std::uint64_t offset;
-        std::uint64_t length;
-    };
-
-    void hash(std::span<const std::uint8_t> bytes)
-    {
-        m_hash->update(bytes.data(), bytes.size());
-        if (m_start_hash)
-            m_start_hash->update(bytes.data(), bytes.size());
-        if (m_signed_hash)
-            m_signed_hash->update(bytes.data(), bytes.size());
-    }
-
-    void flush_memory()
-    {
-        if (!m_memory.empty())
-            m_pieces.push_back({std::make_shared<MEMORY_SOURCE>(std::move(m_memory)), 0, 0});
-        m_memory.clear();
-    }
-
-    std::string m_spool_directory;
-    std::unique_ptr<SPOOL_FILE> m_spool;
-    std::vector<std::uint8_t> m_memory;
-    std::vector<PIECE> m_pieces;
-    std::unique_ptr<Botan::HashFunction> m_hash;
-    std::unique_ptr<Botan::HashFunction> m_start_hash;  ///< up to the image's first frames
-    std::unique_ptr<Botan::HashFunction> m_signed_hash; ///< of an image that is signed
-};
 
 std::vector<std::uint8_t> frames_header(std::uint8_t opcode, STREAM_PART part, const FRAME_BLOCK& block,
                                         std::size_t stored_length)
@@ -223,7 +97,7 @@ bool append_image(const STREAM_INPUT& input, STREAM_SELECTION selection, STREAM_
         stream.packet(record.opcode, record.payload);
     std::optional<FRAME_SEALER> sealer;
     const FRAME_SEALER::CHAIN start = stream.chain_start();
-    if (input.encryption)
+    if (input.encryption && input.encryption->key)
         sealer.emplace(*input.encryption->key, start);
     const STREAM_METHOD method = input.enhanced_compression ? STREAM_METHOD::ZSTD
                                  : input.compression        ? STREAM_METHOD::LZ4
@@ -247,14 +121,9 @@ std::shared_ptr<const BYTE_SOURCE> build_configuration_stream(const std::vector<
         return nullptr;
     }
     STREAM_ASSEMBLY stream(spool_directory);
-    stream.memory(STREAM_SYNC_WORD);
-    RECORD_WRITER begin;
-    begin.u16(STREAM_VERSION);
-    begin.u16(static_cast<std::uint16_t>(inputs.size()));
-    stream.packet(OPCODE_BEGIN, begin.content());
+    stream.begin(inputs.size());
     for (const STREAM_INPUT& input : inputs)
         if (!append_image(input, selection, stream, message))
             return nullptr;
-    stream.packet(OPCODE_END, stream.digest());
     return stream.finish(message);
 }

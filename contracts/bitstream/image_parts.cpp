@@ -32,6 +32,48 @@ bool is_selected(STREAM_PART part, STREAM_SELECTION selection)
     return false;
 }
 
+bool is_in_content(STREAM_PART part, IMAGE_CONTENT content)
+{
+    switch (content) {
+    case IMAGE_CONTENT::WHOLE:
+        return true;
+    case IMAGE_CONTENT::FIRMWARE:
+        return part == STREAM_PART::FIRMWARE;
+    case IMAGE_CONTENT::BOOTLOADER:
+        return part == STREAM_PART::BOOTLOADER;
+    }
+    return false;
+}
+
+/// Without a part of this kind there is nothing to make an image of.
+bool is_essential(STREAM_PART part, IMAGE_CONTENT content)
+{
+    return content == IMAGE_CONTENT::WHOLE ? part == STREAM_PART::CORE || part == STREAM_PART::PERIPHERY
+                                           : is_in_content(part, content);
+}
+
+const char* essential_words(IMAGE_CONTENT content, STREAM_SELECTION selection)
+{
+    switch (content) {
+    case IMAGE_CONTENT::FIRMWARE:
+        return "firmware.";
+    case IMAGE_CONTENT::BOOTLOADER:
+        return "boot loader.";
+    case IMAGE_CONTENT::WHOLE:
+        break;
+    }
+    return selection == STREAM_SELECTION::PERIPHERY ? "periphery data." : "core data.";
+}
+
+std::vector<std::uint8_t> update_payload(const UPDATE_INFO& update)
+{
+    RECORD_WRITER writer;
+    writer.u32(update.version);
+    writer.u8(update.replaces_boot_info ? UPDATE_FLAG_BOOT_INFO : 0);
+    writer.u24(0);
+    return writer.take();
+}
+
 std::vector<std::uint8_t> device_payload(const STREAM_INPUT& input, const BITSTREAM_FILE& file,
                                          const IMAGE_PARTS& image)
 {
@@ -42,7 +84,8 @@ std::vector<std::uint8_t> device_payload(const STREAM_INPUT& input, const BITSTR
     device.u8(static_cast<std::uint8_t>((file.kind() == BITSTREAM_KIND::PMSF ? DEVICE_FLAG_PARTIAL : 0) |
                                         (input.signer ? DEVICE_FLAG_SIGNED : 0) |
                                         (input.decompression_during_pr ? DEVICE_FLAG_DECOMPRESSION : 0) |
-                                        (input.replaces_factory ? DEVICE_FLAG_FACTORY : 0)));
+                                        (input.replaces_factory ? DEVICE_FLAG_FACTORY : 0) |
+                                        (input.application ? DEVICE_FLAG_APPLICATION : 0)));
     for (const std::uint64_t length : lengths)
         device.u64(length);
     device.bytes(encode_device(file.device()));
@@ -55,7 +98,7 @@ bool collect_parts(const STREAM_INPUT& input, const BITSTREAM_FILE& file, STREAM
                    IMAGE_PARTS& image, std::string& message)
 {
     for (const SECTION_OF_PART& row : SECTIONS_OF_PARTS) {
-        if (!is_selected(row.part, selection))
+        if (!is_selected(row.part, selection) || !is_in_content(row.part, input.content))
             continue;
         if (row.part == STREAM_PART::BOOTLOADER && !input.hps_path.empty()) {
             const std::shared_ptr<const BYTE_SOURCE> bytes = FILE_SOURCE::open(input.hps_path, message);
@@ -70,13 +113,11 @@ bool collect_parts(const STREAM_INPUT& input, const BITSTREAM_FILE& file, STREAM
             image.parts.push_back({row.part, file.section(row.tag), file.find(row.tag)});
         }
     }
-    const bool any = std::any_of(image.parts.begin(), image.parts.end(), [](const PART_INPUT& part) {
-        return part.bytes->size() != 0 &&
-               (part.part == STREAM_PART::CORE || part.part == STREAM_PART::PERIPHERY);
+    const bool any = std::any_of(image.parts.begin(), image.parts.end(), [&](const PART_INPUT& part) {
+        return part.bytes->size() != 0 && is_essential(part.part, input.content);
     });
     if (!any) {
-        message = input.path + " holds no " +
-                  (selection == STREAM_SELECTION::PERIPHERY ? "periphery data." : "core data.");
+        message = input.path + " holds no " + essential_words(input.content, selection);
         return false;
     }
     return true;
@@ -106,6 +147,8 @@ std::vector<STREAM_RECORD> image_records(const STREAM_INPUT& input, const BITSTR
         writer.bytes(encode_signature(image.archive.key, image.archive.signature));
         records.push_back({OPCODE_FIRMWARE_INFO, writer.take()});
     }
+    if (input.update)
+        records.push_back({OPCODE_UPDATE_INFO, update_payload(*input.update)});
     return records;
 }
 

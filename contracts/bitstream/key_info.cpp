@@ -9,6 +9,7 @@ namespace
 {
 constexpr std::uint8_t ALGORITHM_GCM = 1;
 constexpr std::uint8_t FLAG_DURING_RECONFIGURATION = 0x01;
+constexpr std::uint8_t FLAG_PREPARED = 0x02;
 } // namespace
 
 const char* fuse_option_name(FUSE_OPTION option)
@@ -64,7 +65,8 @@ std::vector<std::uint8_t> encode_key_info(const KEY_INFO& info)
     writer.u8(ALGORITHM_GCM);
     writer.u8(static_cast<std::uint8_t>(info.key_bits / 8));
     writer.u8(static_cast<std::uint8_t>(info.place));
-    writer.u8(info.during_reconfiguration ? FLAG_DURING_RECONFIGURATION : 0);
+    writer.u8(static_cast<std::uint8_t>((info.during_reconfiguration ? FLAG_DURING_RECONFIGURATION : 0) |
+                                        (info.prepared ? FLAG_PREPARED : 0)));
     writer.bytes(info.fuse_options);
     writer.u8(0);
     writer.bytes(info.id);
@@ -82,7 +84,7 @@ bool decode_key_info(std::span<const std::uint8_t> bytes, KEY_INFO& info, std::s
     const std::uint8_t zero = reader.u8();
     const auto id = reader.bytes(info.id.size());
     if (!reader.used_up() || (info.key_bits != 128 && info.key_bits != 256) || place > 2 ||
-        (flags & ~FLAG_DURING_RECONFIGURATION) != 0 || zero != 0 ||
+        (flags & ~(FLAG_DURING_RECONFIGURATION | FLAG_PREPARED)) != 0 || zero != 0 ||
         std::any_of(fuses.begin(), fuses.end(), [](std::uint8_t value) { return value > FUSE_VALUE_MAX; })) {
         reason = "the key info packet is malformed";
         return false;
@@ -92,7 +94,8 @@ bool decode_key_info(std::span<const std::uint8_t> bytes, KEY_INFO& info, std::s
         return false;
     }
     info.place = static_cast<KEY_PLACE>(place);
-    info.during_reconfiguration = flags != 0;
+    info.during_reconfiguration = (flags & FLAG_DURING_RECONFIGURATION) != 0;
+    info.prepared = (flags & FLAG_PREPARED) != 0;
     std::copy(fuses.begin(), fuses.end(), info.fuse_options.begin());
     std::copy(id.begin(), id.end(), info.id.begin());
     return true;

@@ -47,6 +47,7 @@ const char* key_place_name(KEY_PLACE place);
 struct KEY_INFO {
     unsigned key_bits = 256; ///< 128 or 256
     KEY_PLACE place = KEY_PLACE::BATTERY;
+    bool prepared = false;               ///< the encryption is to be completed, the frames are in the clear
     bool during_reconfiguration = false; ///< a partial image is decrypted while the device runs
     FUSE_OPTIONS fuse_options{};
     KEY_ID id{};

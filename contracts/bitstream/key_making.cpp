@@ -1,15 +1,18 @@
 #include "key_making.h"
 
 #include "aek_file.h"
+#include "atomic_file.h"
 #include "bitstream_target.h"
 #include "dev_family_enum.h"
 #include "firmware_archive.h"
 #include "lock_file.h"
 #include "pgm_device.h"
 #include "same_file.h"
+#include "stream_finalizer.h"
 #include "stream_signer.h"
 #include "vek_key_file_assistant.h"
 
+#include <filesystem>
 #include <map>
 
 namespace
@@ -110,4 +113,40 @@ bool make_firmware_archive(const FIRMWARE_REQUEST& request, std::string& message
     }
     return write_firmware_archive(request.output_path, static_cast<std::uint32_t>(family), request.release,
                                   *firmware, *key.signer, message);
+}
+
+bool finalize_stream_file(const FINALIZATION_REQUEST& request, std::string& message)
+{
+    for (const std::string& input :
+         {request.input_path, request.aek_path, request.pem_path, request.password_file}) {
+        if (!input.empty() && same_file(input, request.output_path)) {
+            message = request.output_path + " is also an input; choose another name for the stream.";
+            return false;
+        }
+    }
+    const auto prepared = FILE_SOURCE::open(request.input_path, message);
+    SECRET_BYTES password;
+    SECRET_BYTES key;
+    PEM_KEY pem;
+    if (!prepared || !load_password(request.password_file, password, message))
+        return false;
+    const SECRET_BYTES* const given = request.password_file.empty() ? nullptr : &password;
+    if (!read_aek_file(request.aek_path, given, key, message) ||
+        !load_pem_key(request.pem_path, given, pem, message))
+        return false;
+    if (!pem.signer) {
+        message = request.pem_path + " holds a public key alone; name the private key.";
+        return false;
+    }
+    const auto target = ATOMIC_FILE::create(request.output_path, 0666, message);
+    if (!target)
+        return false;
+    const std::string directory = std::filesystem::path(request.output_path).parent_path().string();
+    const auto stream = finalize_stream(*prepared, *STREAM_KEY::derive(key), *pem.signer,
+                                        directory.empty() ? "." : directory, message);
+    if (!stream) {
+        message = request.input_path + ": " + message;
+        return false;
+    }
+    return copy_source(*stream, *target, message) && target->commit(message);
 }

@@ -36,4 +36,16 @@ struct FIRMWARE_REQUEST {
 /// Signs firmware as its maker and writes the archive.
 bool make_firmware_archive(const FIRMWARE_REQUEST& request, std::string& message);
 
+/// A stream to be encrypted and signed after it was generated without keys.
+struct FINALIZATION_REQUEST {
+    std::string input_path;
+    std::string aek_path;
+    std::string pem_path;      ///< private key
+    std::string password_file; ///< of both key files; empty for none
+    std::string output_path;
+};
+
+/// Completes the stream and writes it.
+bool finalize_stream_file(const FINALIZATION_REQUEST& request, std::string& message);
+
 #endif

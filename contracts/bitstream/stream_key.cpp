@@ -8,6 +8,7 @@ namespace
 {
 
 constexpr std::size_t NONCE_KEY_SIZE = 32;
+constexpr const char* MIXING_SALT = "imagewright two keys 1";
 constexpr const char* SALT = "imagewright configuration stream 1";
 
 int digit_value(char c)
@@ -41,6 +42,14 @@ std::shared_ptr<const STREAM_KEY> STREAM_KEY::from_parts(SECRET_BYTES cipher_key
     key->m_nonce_key = std::move(nonce_key);
     key->m_id = id;
     return key;
+}
+
+SECRET_BYTES mix_device_keys(const SECRET_BYTES& first, const SECRET_BYTES& second)
+{
+    SECRET_BYTES both = first;
+    both.insert(both.end(), second.begin(), second.end());
+    return Botan::KDF::create_or_throw("HKDF(SHA-256)")
+        ->derive_key(first.size(), both, MIXING_SALT, "device key");
 }
 
 bool parse_key_digits(const std::string& digits, SECRET_BYTES& key)

@@ -32,9 +32,13 @@ private:
 
 /// How an image is encrypted.
 struct STREAM_ENCRYPTION {
-    std::shared_ptr<const STREAM_KEY> key;
-    KEY_INFO info; ///< length and id are those of the key
+    std::shared_ptr<const STREAM_KEY> key; ///< null for an image that is prepared for it
+    KEY_INFO info;                         ///< length and id are those of the key
 };
+
+/// The key that a device gets from two keys of equal length, which two people may keep: HKDF (RFC 5869) with
+/// SHA-256 over the first and then the second key.
+SECRET_BYTES mix_device_keys(const SECRET_BYTES& first, const SECRET_BYTES& second);
 
 /// The digits of a key as bytes; false when they are not pairs of hexadecimal digits.
 bool parse_key_digits(const std::string& digits, SECRET_BYTES& key);

@@ -20,6 +20,7 @@ inline constexpr std::uint8_t OPCODE_OPTION_BLOCK = 0x05;
 inline constexpr std::uint8_t OPCODE_REGIONS = 0x06;
 inline constexpr std::uint8_t OPCODE_KEY_INFO = 0x07;
 inline constexpr std::uint8_t OPCODE_FIRMWARE_INFO = 0x08;
+inline constexpr std::uint8_t OPCODE_UPDATE_INFO = 0x09;
 inline constexpr std::uint8_t OPCODE_FRAMES = 0x10;
 inline constexpr std::uint8_t OPCODE_ENCRYPTED_FRAMES = 0x18;
 inline constexpr std::uint8_t OPCODE_SIGNATURE = 0x20;
@@ -36,5 +37,7 @@ inline constexpr std::uint8_t DEVICE_FLAG_PARTIAL = 0x01;
 inline constexpr std::uint8_t DEVICE_FLAG_SIGNED = 0x02;
 inline constexpr std::uint8_t DEVICE_FLAG_DECOMPRESSION = 0x04; ///< while the device reconfigures
 inline constexpr std::uint8_t DEVICE_FLAG_FACTORY = 0x08;       ///< the image replaces the factory image
+inline constexpr std::uint8_t DEVICE_FLAG_APPLICATION = 0x10;   ///< of the factory image before it
+inline constexpr std::uint8_t UPDATE_FLAG_BOOT_INFO = 0x01;     ///< of the packet UPDATE INFO
 
 #endif

@@ -72,6 +72,7 @@ private:
     bool take_frames(std::string& reason);
     bool take_plain_frames(STREAM_METHOD method, std::size_t part, std::span<const std::uint8_t> stored,
                            std::size_t length, std::string& reason);
+    bool take_update_info(std::string& reason);
     bool take_firmware_info(std::string& reason);
     bool take_signature(std::string& reason);
     bool take_end(std::string& reason);
@@ -157,6 +158,7 @@ bool STREAM_WALK::take_packet(bool& ended, std::string& reason)
     case OPCODE_REGIONS:
     case OPCODE_KEY_INFO:
     case OPCODE_FIRMWARE_INFO:
+    case OPCODE_UPDATE_INFO:
         return take_record(reason);
     case OPCODE_FRAMES + static_cast<std::uint8_t>(STREAM_METHOD::PLAIN):
     case OPCODE_FRAMES + static_cast<std::uint8_t>(STREAM_METHOD::LZ4):
@@ -208,7 +210,7 @@ bool STREAM_WALK::take_device(std::string& reason)
         length = reader.u64();
     const std::size_t record = reader.left();
     if (!reader.good() || (flags & ~(DEVICE_FLAG_PARTIAL | DEVICE_FLAG_SIGNED | DEVICE_FLAG_DECOMPRESSION |
-                                     DEVICE_FLAG_FACTORY)) != 0) {
+                                     DEVICE_FLAG_FACTORY | DEVICE_FLAG_APPLICATION)) != 0) {
         reason = "the device packet is malformed";
         return false;
     }
@@ -217,6 +219,7 @@ bool STREAM_WALK::take_device(std::string& reason)
     image.partial = (flags & DEVICE_FLAG_PARTIAL) != 0;
     image.decompression_during_pr = (flags & DEVICE_FLAG_DECOMPRESSION) != 0;
     image.replaces_factory = (flags & DEVICE_FLAG_FACTORY) != 0;
+    image.application = (flags & DEVICE_FLAG_APPLICATION) != 0;
     image.offset = m_offset;
     m_facts.images.push_back(image);
     m_last_record = OPCODE_DEVICE;
@@ -247,10 +250,27 @@ bool STREAM_WALK::take_record(std::string& reason)
         return decode_key_info(payload(), image.key.emplace(), reason);
     if (m_opcode == OPCODE_FIRMWARE_INFO)
         return take_firmware_info(reason);
+    if (m_opcode == OPCODE_UPDATE_INFO)
+        return take_update_info(reason);
     std::uint32_t scheme = 0;
     if (!decode_scheme(payload(), scheme, reason))
         return false;
     image.scheme = scheme;
+    return true;
+}
+
+bool STREAM_WALK::take_update_info(std::string& reason)
+{
+    RECORD_READER reader(payload());
+    UPDATE_INFO& update = m_facts.images.back().update.emplace();
+    update.version = reader.u32();
+    const std::uint8_t flags = reader.u8();
+    const std::uint32_t zeros = reader.u24();
+    if (!reader.used_up() || (flags & ~UPDATE_FLAG_BOOT_INFO) != 0 || zeros != 0) {
+        reason = "the update packet is malformed";
+        return false;
+    }
+    update.replaces_boot_info = flags != 0;
     return true;
 }
 
@@ -271,7 +291,7 @@ bool STREAM_WALK::take_firmware_info(std::string& reason)
         reason = "the firmware packet is for firmware of another length";
         return false;
     }
-    if (!image.key) {
+    if (!image.is_encrypted()) {
         m_firmware_hash = Botan::HashFunction::create_or_throw("SHA-384");
         m_firmware_hash->update(record.data(), FIRMWARE_HEADER_SIZE);
     }
@@ -280,6 +300,12 @@ bool STREAM_WALK::take_firmware_info(std::string& reason)
 
 bool STREAM_WALK::take_signature(std::string& reason)
 {
+    const bool prepared =
+        !m_facts.images.empty() && m_facts.images.back().key && !m_facts.images.back().is_encrypted();
+    if (prepared) {
+        reason = "an image whose encryption is to be completed is signed already";
+        return false;
+    }
     if (!m_signature_due || m_last_record != OPCODE_FRAMES) {
         reason = "the signature is out of place";
         return false;
@@ -340,7 +366,7 @@ bool STREAM_WALK::take_frames(std::string& reason)
         return false;
     }
     const bool encrypted = m_opcode >= OPCODE_ENCRYPTED_FRAMES;
-    if (m_last_record == OPCODE_SIGNATURE || encrypted != m_facts.images.back().key.has_value()) {
+    if (m_last_record == OPCODE_SIGNATURE || encrypted != m_facts.images.back().is_encrypted()) {
         reason = m_last_record == OPCODE_SIGNATURE ? "frames come behind the signature"
                  : encrypted                       ? "encrypted frames come without a key info packet"
                                                    : "frames in the clear come in an encrypted image";

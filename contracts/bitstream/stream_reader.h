@@ -5,6 +5,7 @@
 #include "byte_source.h"
 #include "ecdsa.h"
 #include "key_info.h"
+#include "stream_input.h"
 
 #include <array>
 #include <cstdint>
@@ -38,6 +39,8 @@ struct STREAM_IMAGE_FACTS {
     bool partial = false;
     bool decompression_during_pr = false; ///< the device decompresses while it reconfigures a region
     bool replaces_factory = false;        ///< the image is an update of the factory image
+    bool application = false;             ///< the image is the application image of a factory image
+    std::optional<UPDATE_INFO> update;
     std::optional<std::uint32_t> scheme;
     BITSTREAM_OPTIONS options;
     std::uint32_t option_word = 0; ///< 0 without on-chip option block
@@ -47,9 +50,11 @@ struct STREAM_IMAGE_FACTS {
     std::array<std::uint64_t, STREAM_PART_COUNT> stored_length{}; ///< bytes in the stream
     std::array<std::uint64_t, STREAM_METHOD_COUNT> packets_by_method{};
     std::uint64_t offset = 0;               ///< of the image's first packet, bytes
-    std::optional<KEY_INFO> key;            ///< of an encrypted image
+    std::optional<KEY_INFO> key;            ///< of an image that is encrypted or prepared for that
     std::optional<ECDSA_PUBLIC_KEY> signer; ///< of a signed image, whose signature fits
     std::optional<STREAM_FIRMWARE_FACTS> firmware;
+
+    bool is_encrypted() const { return key && !key->prepared; }
 };
 
 /// What a whole stream holds.

@@ -26,6 +26,10 @@ void check_targets(const SETUP_VIEW& setup, const std::vector<OUTPUT_PLAN>& outp
 void check_inputs(const SETUP_VIEW& setup, const SETUP_FACTS& facts, bool include_files, FINDINGS& findings);
 /// Options of the setup that this version does not honour, and those that exclude each other.
 void check_options(const SETUP_VIEW& setup, FINDINGS& findings);
+/// Options of update images, application images and parts of images: that they go together, and with
+/// `include_files` that the files bring what they ask for.
+void check_image_options(const SETUP_VIEW& setup, const SETUP_FACTS& facts, bool include_files,
+                         FINDINGS& findings);
 /// A key programming file needs the key of each file whose device it is to program.
 void check_key_programming(const SETUP_VIEW& setup, FINDINGS& findings);
 /// Key files, key names and signing keys that the options ask for.

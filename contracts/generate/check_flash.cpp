@@ -20,6 +20,10 @@ std::shared_ptr<const BYTE_SOURCE> bound_stream(const PGM_COMMON_XML_VEK_BITSTRE
                                                 std::string& message)
 {
     std::uint64_t size = 0;
+    std::vector<const PGM_COMMON_XML_VEK_PATH*> files; // of each image
+    for (const PGM_COMMON_XML_VEK_PATH* path : bitstream.path) {
+        files.insert(files.end(), image_count(*path), path);
+    }
     const std::vector<STREAM_INPUT> inputs = stream_inputs(bitstream);
     for (std::size_t i = 0; i < inputs.size(); ++i) {
         const STREAM_INPUT& input = inputs[i];
@@ -33,8 +37,8 @@ std::shared_ptr<const BYTE_SOURCE> bound_stream(const PGM_COMMON_XML_VEK_BITSTRE
         }
         const std::uint64_t plain =
             file->size() + (bootloader ? bootloader->size() : 0) + (firmware ? firmware->size() : 0);
-        size += plain + plain / STREAM_OVERHEAD_DIVISOR + STREAM_OVERHEAD +
-                security_allowance(*bitstream.path[i], plain);
+        size +=
+            plain + plain / STREAM_OVERHEAD_DIVISOR + STREAM_OVERHEAD + security_allowance(*files[i], plain);
     }
     return size_source(size);
 }
@@ -107,7 +111,10 @@ private:
     {
         FLASH_PLAN bounded;
         FINDINGS of_bounds;
-        if (plan_flash(m_setup, m_facts, element, bound_stream, bounded, of_bounds)) {
+        const auto bound = [this](const BITSTREAM_PICK& pick, std::string& message) {
+            return bound_stream(*m_setup.bitstreams().find(pick.id), message);
+        };
+        if (plan_flash(m_setup, m_facts, element, bound, bounded, of_bounds)) {
             copy(of_bounds);
             return;
         }
@@ -157,6 +164,7 @@ void check_setup(const PGM_COMMON_XML_VEK_VEK& document, bool include_files,
     check_outputs(setup, facts, findings);
     check_inputs(setup, facts, include_files, findings);
     check_options(setup, findings);
+    check_image_options(setup, facts, include_files, findings);
     check_key_programming(setup, findings);
     if (include_files) {
         check_flash(setup, facts, findings);

@@ -17,27 +17,14 @@ struct UNHONOURED_OPTION {
 };
 
 constexpr UNHONOURED_OPTION PATH_OPTIONS[] = {
-    {"finalize_encryption_later", "0", "finalising the encryption later"},
-    {"key_file2", nullptr, "a second key"},
     {"skc_file", nullptr, "a signature chain"},
-    {"smsf_file", nullptr, "a static mask file"},
-    {"rsu_version", nullptr, "a version for remote update"},
-    {"rsu_boot_info", "0", "boot information in the bitstream"},
-    {"app_image", nullptr, "an application image"},
-    {"app_image_hps_path", nullptr, "a bootloader for the application image"},
-    {"app_image_only", "0", "an application image alone"},
-    {"firmware_only", "0", "firmware alone"},
+    {"smsf_file", nullptr, "a sensitivity map file"},
     {"seu_recovery", "0", "recovery from upsets"},
 };
 
 constexpr UNHONOURED_OPTION OUTPUT_OPTIONS[] = {
     {"allow_device_state", nullptr, "a device state"},
     {"subtype", nullptr, "a subtype"},
-    {"rsu_boot", "0", "a boot image for remote update"},
-};
-
-constexpr UNHONOURED_OPTION BITSTREAM_ID_OPTIONS[] = {
-    {"section", "ALL", "a section of a bitstream"},
 };
 
 constexpr UNHONOURED_OPTION FLASH_OPTIONS[] = {
@@ -61,18 +48,6 @@ public:
         }
         for (const PGM_COMMON_XML_VEK_OUTPUT_FILE* output : m_setup.output_files()) {
             check(*output, output_label(*output), OUTPUT_OPTIONS);
-            for (const PGM_COMMON_XML_VEK_BITSTREAM_ID* id : output->bitstream_id) {
-                check(*id, output_label(*output) + " / " + element_label("BITSTREAM_ID", id->text),
-                      BITSTREAM_ID_OPTIONS);
-            }
-        }
-        for (const PGM_COMMON_XML_VEK_ASSIGNMENT* assignment : m_setup.assignments().all()) {
-            for (const PGM_COMMON_XML_VEK_BITSTREAM_ID* id : assignment->bitstream_id) {
-                check(*id,
-                      element_label("ASSIGNMENT", assignment->partition_id) + " / " +
-                          element_label("BITSTREAM_ID", id->text),
-                      BITSTREAM_ID_OPTIONS);
-            }
         }
         for (const PGM_COMMON_XML_VEK_FLASH_DEVICE* device : m_setup.flash_devices().all()) {
             const std::string label = element_label("FLASH_DEVICE", device->id);

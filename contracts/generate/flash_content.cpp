@@ -175,6 +175,21 @@ private:
 
 } // namespace
 
+bool is_boot_data(PARTITION_CONTENT content)
+{
+    switch (content) {
+    case PARTITION_CONTENT_PARTITIONS:
+    case PARTITION_CONTENT_POINTERS:
+    case PARTITION_CONTENT_BOOT_INFO:
+        return true;
+    case PARTITION_CONTENT_PAGE_TABLE:
+    case PARTITION_CONTENT_INPUT:
+    case PARTITION_CONTENT_USER_FLASH:
+        break;
+    }
+    return false;
+}
+
 bool PARTITION_PLAN::is_generated() const
 {
     switch (content()) {
@@ -193,4 +208,31 @@ bool PARTITION_PLAN::is_generated() const
 bool build_flash_content(const FLASH_PLAN& plan, FLASH_CONTENT& content, std::string& message)
 {
     return CONTENT_BUILDER(plan, content).run(message);
+}
+
+bool build_boot_data(const FLASH_PLAN& plan, const FLASH_CONTENT& whole, FLASH_CONTENT& boot,
+                     std::string& message)
+{
+    boot.image = std::make_unique<FLASH_IMAGE>(plan.size);
+    boot.regions.clear();
+    const std::shared_ptr<const BYTE_SOURCE> image(std::shared_ptr<void>(), whole.image.get());
+    for (const IMAGE_REGION& region : whole.regions) {
+        const auto partition =
+            std::find_if(plan.partitions.begin(), plan.partitions.end(),
+                         [&](const PARTITION_PLAN& one) { return one.element->id == region.name; });
+        if (!is_boot_data(partition->content())) {
+            continue;
+        }
+        boot.regions.push_back(region);
+        if (!boot.image->add(region.start, std::make_shared<RANGE_SOURCE>(image, region.start, region.length),
+                             message)) {
+            return false;
+        }
+    }
+    boot.checksums = std::make_unique<REGION_CHECKSUMS>(*boot.image, boot.regions);
+    if (boot.regions.empty()) {
+        message = "There is no boot data in the flash device.";
+        return false;
+    }
+    return true;
 }

@@ -91,7 +91,8 @@ private:
         partition.rule = find_partition_rule(element.id, m_facts.mode, m_facts.family);
         const PGM_COMMON_XML_VEK_ASSIGNMENT* assignment = m_setup.assignments().find(element.id);
         if (assignment != nullptr && !assignment->bitstream_id.empty()) {
-            partition.bitstream = m_setup.bitstreams().find(assignment->bitstream_id.front()->text);
+            partition.pick = pick_of(*assignment->bitstream_id.front());
+            partition.bitstream = m_setup.bitstreams().find(partition.pick.id);
         }
         m_plan.partitions.push_back(partition);
         read_page(m_plan.partitions.back(), assignment);
@@ -198,7 +199,7 @@ private:
     bool add_stream(PARTITION_PLAN& partition)
     {
         std::string message;
-        const auto stream = m_streams(*partition.bitstream, message);
+        const auto stream = m_streams(partition.pick, message);
         if (!stream) {
             return refuse(FINDING_INPUT_REFUSED, element_label("BITSTREAM", partition.bitstream->id),
                           message);

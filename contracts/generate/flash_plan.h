@@ -20,7 +20,7 @@
 /// Gives the configuration stream of a bitstream; null with a whole sentence in the text. The check hands out
 /// sources that only know their size.
 using STREAM_PROVIDER =
-    std::function<std::shared_ptr<const BYTE_SOURCE>(const PGM_COMMON_XML_VEK_BITSTREAM&, std::string&)>;
+    std::function<std::shared_ptr<const BYTE_SOURCE>(const BITSTREAM_PICK&, std::string&)>;
 
 /// One partition with what goes into it.
 struct PARTITION_PLAN {
@@ -34,6 +34,7 @@ struct PARTITION_PLAN {
     const PGM_COMMON_XML_VEK_PARTITION* element = nullptr;
     const PARTITION_RULE* rule = nullptr;                    ///< null for a partition of the user's own
     const PGM_COMMON_XML_VEK_BITSTREAM* bitstream = nullptr; ///< assigned, null for none
+    BITSTREAM_PICK pick;                                     ///< how it is assigned
     std::optional<unsigned> page;
     std::vector<PIECE> pieces;
     std::string input_names;        ///< file names without directories, joined by ", "
@@ -68,6 +69,15 @@ struct FLASH_CONTENT {
 /// Puts the content of a plan together and fills the tables that generation writes. Reads what these tables
 /// have a checksum of. False with a whole sentence in `message`.
 bool build_flash_content(const FLASH_PLAN& plan, FLASH_CONTENT& content, std::string& message);
+
+/// What of the content a device reads before it finds an image: boot information, partition tables and
+/// pointer blocks. Refers to `whole`, which must outlive it. False with a sentence in `message` when there is
+/// none.
+bool build_boot_data(const FLASH_PLAN& plan, const FLASH_CONTENT& whole, FLASH_CONTENT& boot,
+                     std::string& message);
+
+/// Whether a device reads a partition of this content before it finds an image.
+bool is_boot_data(PARTITION_CONTENT content);
 
 /// How a flash device stands in findings.
 std::string flash_device_label(const PGM_COMMON_XML_VEK_FLASH_DEVICE& element);

@@ -6,6 +6,7 @@
 #include "parallel.h"
 #include "pgm_device.h"
 #include "progress.h"
+#include "vek_file_assistant.h"
 
 namespace
 {
@@ -32,13 +33,13 @@ STREAM_SELECTION selection_of(FORMAT_PART part)
 
 /// A part of bitstreams, with the options of a flash device or of their files, as one text that tells
 /// equal lists.
-std::string stream_key(FORMAT_PART part, const std::vector<std::string>& ids,
+std::string stream_key(FORMAT_PART part, const std::vector<BITSTREAM_PICK>& picks,
                        const std::string& options_of = "")
 {
     std::string key = std::to_string(static_cast<unsigned>(part)) + ' ' + std::to_string(options_of.size()) +
                       ":" + options_of;
-    for (const std::string& id : ids) {
-        key += std::to_string(id.size()) + ":" + id;
+    for (const BITSTREAM_PICK& pick : picks) {
+        key += std::to_string(pick.id.size()) + (pick.bootloader_only ? "/" : ":") + pick.id;
     }
     return key;
 }
@@ -47,6 +48,11 @@ FORMAT_SUBJECT subject_of(const OUTPUT_PLAN& plan)
 {
     const FORMAT_ROW* row = find_format_row(plan.type);
     return row != nullptr ? row->subject : FORMAT_SUBJECT::STREAM;
+}
+
+bool is_boot_only(const OUTPUT_PLAN& plan)
+{
+    return VEK_FILE_ASSISTANT::convert_string_to_bool(plan.output->rsu_boot);
 }
 
 JTAG_TARGET target_of(const PGM_DEVICE* device)
@@ -73,9 +79,9 @@ bool INGREDIENTS::load_keys()
     return report_findings(findings);
 }
 
-std::vector<std::string> INGREDIENTS::stream_ids(const OUTPUT_PLAN& plan) const
+std::vector<BITSTREAM_PICK> INGREDIENTS::picks_of(const OUTPUT_PLAN& plan) const
 {
-    return output_bitstreams(m_setup, *plan.output);
+    return output_picks(m_setup, *plan.output);
 }
 
 INGREDIENTS::FLASH_KEY INGREDIENTS::flash_key(const OUTPUT_PLAN& plan)
@@ -90,12 +96,12 @@ std::string INGREDIENTS::options_of(const FLASH_KEY& key) const
 }
 
 /// `options_of`: the flash device whose options the stream takes, empty for those of the files.
-void INGREDIENTS::want_stream(FORMAT_PART part, const std::vector<std::string>& ids,
+void INGREDIENTS::want_stream(FORMAT_PART part, const std::vector<BITSTREAM_PICK>& picks,
                               const std::string& options_of)
 {
-    const auto [entry, is_new] = m_streams.emplace(stream_key(part, ids, options_of), STREAM());
+    const auto [entry, is_new] = m_streams.emplace(stream_key(part, picks, options_of), STREAM());
     if (is_new) {
-        m_stream_jobs.push_back({part, inputs_of(ids, options_of), &entry->second});
+        m_stream_jobs.push_back({part, inputs_of(picks, options_of), &entry->second});
     }
 }
 
@@ -107,13 +113,13 @@ void INGREDIENTS::collect(const std::string& temporary_directory)
         switch (subject_of(plan)) {
         case FORMAT_SUBJECT::FLASH_IMAGE:
             if (m_flash.emplace(flash_key(plan), FLASH()).second) {
-                for (const std::string& id : stream_ids(plan)) {
-                    want_stream(plan.part, {id}, options_of(flash_key(plan)));
+                for (const BITSTREAM_PICK& pick : picks_of(plan)) {
+                    want_stream(plan.part, {pick}, options_of(flash_key(plan)));
                 }
             }
             break;
         case FORMAT_SUBJECT::STREAM:
-            want_stream(plan.part, stream_ids(plan));
+            want_stream(plan.part, picks_of(plan));
             break;
         case FORMAT_SUBJECT::MEASUREMENTS:
             m_measurements.emplace(&plan, MEASUREMENTS());
@@ -131,16 +137,17 @@ void INGREDIENTS::collect(const std::string& temporary_directory)
     }
 }
 
-std::vector<STREAM_INPUT> INGREDIENTS::inputs_of(const std::vector<std::string>& ids,
+std::vector<STREAM_INPUT> INGREDIENTS::inputs_of(const std::vector<BITSTREAM_PICK>& picks,
                                                  const std::string& options_of) const
 {
     const PGM_COMMON_XML_VEK_FLASH_DEVICE* device = m_setup.flash_devices().find(options_of);
     const auto options = device == nullptr ? std::nullopt : onchip_options(m_setup, *device);
     std::vector<STREAM_INPUT> inputs;
-    for (const std::string& id : ids) {
-        const PGM_COMMON_XML_VEK_BITSTREAM& bitstream = *m_setup.bitstreams().find(id);
+    for (const BITSTREAM_PICK& pick : picks) {
+        const PGM_COMMON_XML_VEK_BITSTREAM& bitstream = *m_setup.bitstreams().find(pick.id);
         auto of_one = stream_inputs(bitstream, options);
         m_security.apply(bitstream, of_one);
+        apply_pick(pick, of_one);
         inputs.insert(inputs.end(), of_one.begin(), of_one.end());
     }
     return inputs;
@@ -164,7 +171,7 @@ void INGREDIENTS::build_streams()
 void INGREDIENTS::measure()
 {
     for (auto& [plan, measured] : m_measurements) {
-        for (const STREAM_INPUT& input : inputs_of(stream_ids(*plan), "")) {
+        for (const STREAM_INPUT& input : inputs_of(picks_of(*plan), "")) {
             if (measured.failure.empty()) {
                 measure_image(input, measured.content.emplace_back(), measured.failure);
             }
@@ -184,12 +191,12 @@ bool INGREDIENTS::report_digests() const
     for (const OUTPUT_PLAN& plan : m_plans) {
         switch (subject_of(plan)) {
         case FORMAT_SUBJECT::FLASH_IMAGE:
-            for (const std::string& id : stream_ids(plan)) {
-                tell(plan, m_streams.at(stream_key(plan.part, {id}, options_of(flash_key(plan)))).failure);
+            for (const BITSTREAM_PICK& pick : picks_of(plan)) {
+                tell(plan, m_streams.at(stream_key(plan.part, {pick}, options_of(flash_key(plan)))).failure);
             }
             break;
         case FORMAT_SUBJECT::STREAM:
-            tell(plan, m_streams.at(stream_key(plan.part, stream_ids(plan))).failure);
+            tell(plan, m_streams.at(stream_key(plan.part, picks_of(plan))).failure);
             break;
         case FORMAT_SUBJECT::MEASUREMENTS: {
             FORMAT_REQUEST request;
@@ -210,9 +217,9 @@ bool INGREDIENTS::report_digests() const
 
 STREAM_PROVIDER INGREDIENTS::provider(FORMAT_PART part, const std::string& options_of) const
 {
-    return [this, part, options_of](const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
+    return [this, part, options_of](const BITSTREAM_PICK& pick,
                                     std::string& message) -> std::shared_ptr<const BYTE_SOURCE> {
-        const auto stream = m_streams.find(stream_key(part, {bitstream.id}, options_of));
+        const auto stream = m_streams.find(stream_key(part, {pick}, options_of));
         message = stream->second.failure;
         return stream->second.content;
     };
@@ -235,17 +242,28 @@ bool INGREDIENTS::build_flash_contents()
     run_parallel(jobs.size(), m_options.threads, [&](std::size_t i) {
         auto& [plan, flash] = jobs[i];
         flash->device = plan.device;
-        build_flash_content(plan, flash->content, flash->failure);
+        if (build_flash_content(plan, flash->content, flash->failure)) {
+            build_boot_data(plan, flash->content, flash->boot, flash->boot_failure);
+        }
     });
     return true;
+}
+
+const FLASH_CONTENT& INGREDIENTS::content_of(const OUTPUT_PLAN& plan) const
+{
+    const FLASH& flash = m_flash.at(flash_key(plan));
+    return is_boot_only(plan) ? flash.boot : flash.content;
 }
 
 bool INGREDIENTS::request_flash(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request, std::string& failure) const
 {
     const FLASH& flash = m_flash.at(flash_key(plan));
     failure = flash.failure;
-    request.image = flash.content.image.get();
-    request.regions = flash.content.regions;
+    if (failure.empty() && is_boot_only(plan)) {
+        failure = flash.boot_failure;
+    }
+    request.image = content_of(plan).image.get();
+    request.regions = content_of(plan).regions;
     request.device = flash.device->user_name();
     request.flash = {flash.device->jedec_id, flash.device->address_width / 8, flash.device->sector_bytes,
                      flash.device->page_bytes};
@@ -261,7 +279,7 @@ bool INGREDIENTS::add_checksums(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request
     if (subject_of(plan) != FORMAT_SUBJECT::FLASH_IMAGE || !find_format(plan.type)->tells_checksums()) {
         return true;
     }
-    const FLASH_CONTENT& content = m_flash.at(flash_key(plan)).content;
+    const FLASH_CONTENT& content = content_of(plan);
     for (std::size_t i = 0; i < request.regions.size(); ++i) {
         if (!content.checksums->get(i, request.regions[i].crc, failure)) {
             return false;
@@ -272,19 +290,17 @@ bool INGREDIENTS::add_checksums(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request
 
 std::unique_ptr<const BYTE_SOURCE> INGREDIENTS::listening_image(const OUTPUT_PLAN& plan) const
 {
-    return subject_of(plan) == FORMAT_SUBJECT::FLASH_IMAGE
-               ? m_flash.at(flash_key(plan)).content.checksums->listen()
-               : nullptr;
+    return subject_of(plan) == FORMAT_SUBJECT::FLASH_IMAGE ? content_of(plan).checksums->listen() : nullptr;
 }
 
 bool INGREDIENTS::request_stream(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request, std::string& failure) const
 {
-    const std::vector<std::string> ids = stream_ids(plan);
-    const STREAM& stream = m_streams.at(stream_key(plan.part, ids));
+    const std::vector<BITSTREAM_PICK> picks = picks_of(plan);
+    const STREAM& stream = m_streams.at(stream_key(plan.part, picks));
     failure = stream.failure;
     request.image = stream.content.get();
-    if (!ids.empty()) {
-        request.target = target_of(bitstream_device(*m_setup.bitstreams().find(ids.front())));
+    if (!picks.empty()) {
+        request.target = target_of(bitstream_device(*m_setup.bitstreams().find(picks.front().id)));
     }
     request.device = request.target.name;
     apply_file_options(plan, request);
@@ -297,7 +313,7 @@ bool INGREDIENTS::request_measurements(const OUTPUT_PLAN& plan, FORMAT_REQUEST& 
     const MEASUREMENTS& measured = m_measurements.at(&plan);
     failure = measured.failure;
     request.measurements = measured.content;
-    request.signer = m_security.signer_of(m_setup, stream_ids(plan));
+    request.signer = m_security.signer_of(m_setup, output_bitstreams(m_setup, *plan.output));
     return failure.empty();
 }
 

@@ -69,6 +69,8 @@ private:
 
     struct FLASH {
         FLASH_CONTENT content;
+        FLASH_CONTENT boot; ///< the boot data of the content
+        std::string boot_failure;
         const PGM_DEVICE* device = nullptr;
         std::string failure;
     };
@@ -81,13 +83,14 @@ private:
     };
 
     static FLASH_KEY flash_key(const OUTPUT_PLAN& plan);
-    std::vector<std::string> stream_ids(const OUTPUT_PLAN& plan) const;
+    std::vector<BITSTREAM_PICK> picks_of(const OUTPUT_PLAN& plan) const;
     std::string options_of(const FLASH_KEY& key) const;
-    void want_stream(FORMAT_PART part, const std::vector<std::string>& ids,
+    void want_stream(FORMAT_PART part, const std::vector<BITSTREAM_PICK>& picks,
                      const std::string& options_of = "");
-    std::vector<STREAM_INPUT> inputs_of(const std::vector<std::string>& ids,
+    std::vector<STREAM_INPUT> inputs_of(const std::vector<BITSTREAM_PICK>& picks,
                                         const std::string& options_of) const;
     STREAM_PROVIDER provider(FORMAT_PART part, const std::string& options_of) const;
+    const FLASH_CONTENT& content_of(const OUTPUT_PLAN& plan) const;
     void measure();
     bool request_flash(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request, std::string& failure) const;
     bool request_stream(const OUTPUT_PLAN& plan, FORMAT_REQUEST& request, std::string& failure) const;

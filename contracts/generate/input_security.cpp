@@ -74,14 +74,16 @@ public:
         if (is_on(m_path.encryption)) {
             load_encryption();
         }
-        if (is_on(m_path.finalize_encryption) || is_signed(m_path)) {
+        if (is_finalised_later(m_path)) {
+            prepare_encryption();
+        } else if (is_on(m_path.finalize_encryption) || is_signed(m_path)) {
             load_password();
-        }
-        if (is_on(m_path.finalize_encryption)) {
-            load_final_encryption();
-        }
-        if (is_signed(m_path)) {
-            load_signing();
+            if (is_on(m_path.finalize_encryption)) {
+                load_final_encryption();
+            }
+            if (is_signed(m_path)) {
+                load_signing();
+            }
         }
         return m_good;
     }
@@ -118,8 +120,11 @@ private:
     void encrypt_with(std::shared_ptr<const STREAM_KEY> key, KEY_PLACE place)
     {
         const auto encryption = std::make_shared<STREAM_ENCRYPTION>();
-        encryption->info.key_bits = key->bits();
-        encryption->info.id = key->id();
+        encryption->info.prepared = key == nullptr;
+        if (key) {
+            encryption->info.key_bits = key->bits();
+            encryption->info.id = key->id();
+        }
         encryption->info.place = place;
         encryption->info.during_reconfiguration = is_on(m_path.decryption_during_pr);
         for (std::size_t i = 0; i < FUSE_OPTION_COUNT; ++i) {
@@ -159,27 +164,49 @@ private:
 
     void load_key_file()
     {
+        SECRET_BYTES second;
+        if (!load_named_key(m_path.key_file1, m_path.key1, m_security.device_key)) {
+            return;
+        }
+        if (!m_path.key2.empty() || !m_path.key_file2.empty()) {
+            const std::string& file = m_path.key_file2.empty() ? m_path.key_file1 : m_path.key_file2;
+            if (!load_named_key(file, m_path.key2, second)) {
+                return;
+            }
+            if (second == m_security.device_key) {
+                refuse(FINDING_OPTION_CONFLICT,
+                       "The first and the second key are the same; name two different ones.");
+                return;
+            }
+            m_security.device_key = mix_device_keys(m_security.device_key, second);
+        }
+        encrypt_with(STREAM_KEY::derive(m_security.device_key), chosen_place());
+    }
+
+    bool load_named_key(const std::string& file, const std::string& name, SECRET_BYTES& digits)
+    {
         std::string message;
-        const std::string path = absolute_path(m_path.key_file1);
+        const std::string path = absolute_path(file);
         if (!FILE_SOURCE::open(path, message)) {
             refuse(FINDING_KEY_FILE, message);
-            return;
+            return false;
         }
-        warn_if_open(path);
+        if (file != m_path.key_file1 || name == m_path.key1) {
+            warn_if_open(path);
+        }
         KEY_MAP map;
         if (!VEK_KEY_FILE_ASSISTANT::parse_key_file(path, key_bits(), map.keys)) {
-            refuse(FINDING_KEY_FILE, "The key file \"" + m_path.key_file1 +
-                                         "\" is refused; give it one key of " + std::to_string(key_bits()) +
-                                         " bits a line.");
-            return;
+            refuse(FINDING_KEY_FILE, "The key file \"" + file + "\" is refused; give it one key of " +
+                                         std::to_string(key_bits()) + " bits a line.");
+            return false;
         }
-        const auto key = map.keys.find(m_path.key1);
+        const auto key = map.keys.find(name);
         if (key == map.keys.end()) {
-            refuse(FINDING_KEY_NAME, "The key file \"" + m_path.key_file1 + "\" has no key \"" + m_path.key1 +
-                                         "\"; choose one of its keys.");
-        } else if (parse_key_digits(key->second, m_security.device_key)) {
-            encrypt_with(STREAM_KEY::derive(m_security.device_key), chosen_place());
+            refuse(FINDING_KEY_NAME,
+                   "The key file \"" + file + "\" has no key \"" + name + "\"; choose one of its keys.");
+            return false;
         }
+        return parse_key_digits(key->second, digits);
     }
 
     void load_lock_file()
@@ -229,29 +256,41 @@ private:
     /// Whether a password file is named that could not be read, which has been told.
     bool lacks_password() const { return !m_path.password.empty() && !m_has_password; }
 
+    /// Neither a key nor a password is needed before the encryption is completed.
+    void prepare_encryption()
+    {
+        if (!can_be_finalised()) {
+            return;
+        }
+        check_prepared_by_compiler();
+        if (is_signed(m_path)) {
+            load_firmware();
+        }
+        encrypt_with(nullptr, storage_place());
+    }
+
+    bool can_be_finalised()
+    {
+        if (m_device == nullptr || is_secure()) {
+            return true;
+        }
+        refuse(FINDING_SECURITY_NOT_OFFERED,
+               "The encryption is to be finalised, and the family of the device " + m_device->user_name() +
+                   " has no such step; switch it off.");
+        return false;
+    }
+
     void load_final_encryption()
     {
         std::string message;
-        if (m_device != nullptr && !is_secure()) {
-            refuse(FINDING_SECURITY_NOT_OFFERED,
-                   "The encryption is to be finalised, and the family of the device " +
-                       m_device->user_name() + " has no such step; switch it off.");
+        if (!can_be_finalised()) {
             return;
         }
         if (!is_signed(m_path)) {
             refuse(FINDING_FINALIZE_UNSIGNED,
                    "The encryption is to be finalised in a bitstream that is not signed; switch signing on.");
         }
-        const auto file = BITSTREAM_FILE::open(absolute_path(m_path.text), message);
-        if (file && file->kind() == BITSTREAM_KIND::SOF) {
-            const auto option = file->options().find("sof_option_encryption");
-            if (option == file->options().end() || !option->second) {
-                refuse(FINDING_ENCRYPTION_NOT_PREPARED,
-                       "The encryption is to be finalised, and the bitstream was compiled without it; "
-                       "compile it "
-                       "with the option sof_option_encryption or do not finalise.");
-            }
-        }
+        check_prepared_by_compiler();
         if (m_path.aek_file.empty()) {
             refuse_without_file(FINDING_AES_KEY_FILE, "AES key file", "the encryption is to be finalised");
             return;
@@ -266,6 +305,21 @@ private:
         }
         warn_if_open(path);
         encrypt_with(STREAM_KEY::derive(m_security.device_key), storage_place());
+    }
+
+    void check_prepared_by_compiler()
+    {
+        std::string message;
+        const auto file = BITSTREAM_FILE::open(absolute_path(m_path.text), message);
+        if (!file || file->kind() != BITSTREAM_KIND::SOF) {
+            return;
+        }
+        const auto option = file->options().find("sof_option_encryption");
+        if (option == file->options().end() || !option->second) {
+            refuse(FINDING_ENCRYPTION_NOT_PREPARED,
+                   "The encryption is to be finalised, and the bitstream was compiled without it; compile it "
+                   "with the option sof_option_encryption or do not finalise.");
+        }
     }
 
     KEY_PLACE storage_place() const
@@ -353,6 +407,11 @@ bool load_input_security(const PGM_COMMON_XML_VEK_PATH& path, const std::string&
                          FINDINGS& findings)
 {
     return SECURITY_LOADER(path, label, device, desk, security, findings).load();
+}
+
+bool is_finalised_later(const PGM_COMMON_XML_VEK_PATH& path)
+{
+    return is_on(path.finalize_encryption) && is_on(path.finalize_encryption_later);
 }
 
 bool holds_secrets(const SETUP_VIEW& setup)

@@ -26,6 +26,9 @@ bool load_input_security(const PGM_COMMON_XML_VEK_PATH& path, const std::string&
                          const PGM_DEVICE* device, const SIGNING_DESK& desk, INPUT_SECURITY& security,
                          FINDINGS& findings);
 
+/// Whether the encryption of a file is to be completed, and its image to be signed, by a later run.
+bool is_finalised_later(const PGM_COMMON_XML_VEK_PATH& path);
+
 /// Whether the options of any file ask for a key or a password.
 bool holds_secrets(const SETUP_VIEW& setup);
 

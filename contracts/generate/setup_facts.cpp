@@ -53,6 +53,21 @@ DEV_FAMILY_ENUM implied_family(const SETUP_VIEW& setup)
     return setup.mode() == PGMIO_CONFIG_SCHEME_INTERNAL ? DEV_FAMILY_ONCHIP_FLASH : DEV_FAMILY_NONE;
 }
 
+bool is_on(const std::string& word)
+{
+    return VEK_FILE_ASSISTANT::convert_string_to_bool(word);
+}
+
+std::optional<UPDATE_INFO> update_of(const PGM_COMMON_XML_VEK_PATH& file)
+{
+    if (file.rsu_version.empty() && !is_on(file.rsu_boot_info)) {
+        return std::nullopt;
+    }
+    std::uint64_t version = 0;
+    parse_decimal(file.rsu_version, version);
+    return UPDATE_INFO{static_cast<std::uint32_t>(version), is_on(file.rsu_boot_info)};
+}
+
 bool is_onchip_scheme(std::uint32_t scheme)
 {
     return scheme >= PGMIO_CONFIG_SCHEME_SINGLE_IMAGE && scheme <= PGMIO_CONFIG_SCHEME_DUAL_COMPRESSED_IMAGES;
@@ -92,28 +107,62 @@ const PGM_DEVICE* path_device(const PGM_COMMON_XML_VEK_PATH& path)
     return precheck_bitstream_file(absolute_path(path.text), true, &device, name, message) ? device : nullptr;
 }
 
-std::vector<std::string> output_bitstreams(const SETUP_VIEW& setup,
-                                           const PGM_COMMON_XML_VEK_OUTPUT_FILE& output)
+BITSTREAM_PICK pick_of(const PGM_COMMON_XML_VEK_BITSTREAM_ID& link)
 {
-    std::vector<std::string> ids;
+    return {link.text,
+            VEK_FILE_ASSISTANT::convert_string_to_xml_enum(link.section) == PGM_COMMON_XML_ENUM_HPS};
+}
+
+std::vector<BITSTREAM_PICK> output_picks(const SETUP_VIEW& setup,
+                                         const PGM_COMMON_XML_VEK_OUTPUT_FILE& output)
+{
+    std::vector<BITSTREAM_PICK> picks;
     if (!takes_flash_device(output_type_of(output.type))) {
         for (const PGM_COMMON_XML_VEK_BITSTREAM_ID* id : output.bitstream_id) {
-            ids.push_back(id->text);
+            picks.push_back(pick_of(*id));
         }
-        return ids;
+        return picks;
     }
     for (const PGM_COMMON_XML_VEK_FLASH_DEVICE_ID* id : output.flash_device_id) {
         const PGM_COMMON_XML_VEK_FLASH_DEVICE* device = setup.flash_devices().find(id->text);
         for (const PGM_COMMON_XML_VEK_PARTITION* partition :
              device != nullptr ? device->partition : std::vector<PGM_COMMON_XML_VEK_PARTITION*>()) {
             const PGM_COMMON_XML_VEK_ASSIGNMENT* assignment = setup.assignments().find(partition->id);
-            if (assignment != nullptr && !assignment->bitstream_id.empty() && partition->id != "BOOT_INFO" &&
-                std::find(ids.begin(), ids.end(), assignment->bitstream_id.front()->text) == ids.end()) {
-                ids.push_back(assignment->bitstream_id.front()->text);
+            if (assignment == nullptr || assignment->bitstream_id.empty() || partition->id == "BOOT_INFO") {
+                continue;
+            }
+            const BITSTREAM_PICK pick = pick_of(*assignment->bitstream_id.front());
+            if (std::find(picks.begin(), picks.end(), pick) == picks.end()) {
+                picks.push_back(pick);
             }
         }
     }
+    return picks;
+}
+
+std::vector<std::string> output_bitstreams(const SETUP_VIEW& setup,
+                                           const PGM_COMMON_XML_VEK_OUTPUT_FILE& output)
+{
+    std::vector<std::string> ids;
+    const bool each_once = takes_flash_device(output_type_of(output.type));
+    for (const BITSTREAM_PICK& pick : output_picks(setup, output)) {
+        if (!each_once || std::find(ids.begin(), ids.end(), pick.id) == ids.end()) {
+            ids.push_back(pick.id);
+        }
+    }
     return ids;
+}
+
+void apply_pick(const BITSTREAM_PICK& pick, std::vector<STREAM_INPUT>& inputs)
+{
+    for (STREAM_INPUT& input : inputs) {
+        input.content = pick.bootloader_only ? IMAGE_CONTENT::BOOTLOADER : input.content;
+    }
+}
+
+std::size_t image_count(const PGM_COMMON_XML_VEK_PATH& file)
+{
+    return file.app_image.empty() || is_on(file.app_image_only) ? 1 : 2;
 }
 
 std::vector<STREAM_INPUT> stream_inputs(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
@@ -123,15 +172,26 @@ std::vector<STREAM_INPUT> stream_inputs(const PGM_COMMON_XML_VEK_BITSTREAM& bits
     for (const PGM_COMMON_XML_VEK_PATH* file : bitstream.path) {
         STREAM_INPUT input;
         input.path = absolute_path(file->text);
-        input.compression = VEK_FILE_ASSISTANT::convert_string_to_bool(file->compression);
-        input.enhanced_compression = VEK_FILE_ASSISTANT::convert_string_to_bool(file->enhanced_compression);
-        input.decompression_during_pr =
-            VEK_FILE_ASSISTANT::convert_string_to_bool(file->decompression_during_pr);
-        input.replaces_factory = VEK_FILE_ASSISTANT::convert_string_to_bool(file->rsu_upgrade);
+        input.compression = is_on(file->compression);
+        input.enhanced_compression = is_on(file->enhanced_compression);
+        input.decompression_during_pr = is_on(file->decompression_during_pr);
+        input.replaces_factory = is_on(file->rsu_upgrade);
+        input.content = is_on(file->firmware_only) ? IMAGE_CONTENT::FIRMWARE : IMAGE_CONTENT::WHOLE;
+        input.update = update_of(*file);
         input.hps_path = file->hps_path.empty() ? "" : absolute_path(file->hps_path);
         input.option_block = option_block;
         input.firmware_path = firmware_source(*file);
-        inputs.push_back(input);
+        if (file->app_image.empty() || !is_on(file->app_image_only)) {
+            inputs.push_back(input);
+        }
+        if (!file->app_image.empty()) {
+            input.path = absolute_path(file->app_image);
+            input.hps_path = file->app_image_hps_path.empty() ? "" : absolute_path(file->app_image_hps_path);
+            input.application = true;
+            input.replaces_factory = false;
+            input.update.reset();
+            inputs.push_back(input);
+        }
     }
     return inputs;
 }

@@ -27,16 +27,37 @@ const PGM_DEVICE* bitstream_device(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream
 /// The device that a file of a bitstream is for; null when it cannot be read.
 const PGM_DEVICE* path_device(const PGM_COMMON_XML_VEK_PATH& path);
 
+/// A bitstream as an output or a partition takes it.
+struct BITSTREAM_PICK {
+    std::string id;
+    bool bootloader_only = false; ///< the boot loader of its processor and nothing else
+    bool operator==(const BITSTREAM_PICK&) const = default;
+};
+
+/// What the text of the link and its section ask for.
+BITSTREAM_PICK pick_of(const PGM_COMMON_XML_VEK_BITSTREAM_ID& link);
+
+/// What goes into an output, in order: what it lists, or for one that is made from a flash device what its
+/// partitions take, each once.
+std::vector<BITSTREAM_PICK> output_picks(const SETUP_VIEW& setup,
+                                         const PGM_COMMON_XML_VEK_OUTPUT_FILE& output);
+
 /// The bitstreams of an output in the order in which they go into it: those that it lists, or for one that is
 /// made from a flash device those of its partitions, each once.
 std::vector<std::string> output_bitstreams(const SETUP_VIEW& setup,
                                            const PGM_COMMON_XML_VEK_OUTPUT_FILE& output);
 
-/// The files of a bitstream, as the stream builder takes them. `option_block`: device options in place of
+/// The images of a bitstream, as the stream builder takes them. `option_block`: device options in place of
 /// those of the files.
 std::vector<STREAM_INPUT>
 stream_inputs(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
               const std::optional<DSET_OTI_DEV_OPTIONS_INFO>& option_block = std::nullopt);
+
+/// Narrows the images of a bitstream to what is picked of it.
+void apply_pick(const BITSTREAM_PICK& pick, std::vector<STREAM_INPUT>& inputs);
+
+/// How many of those images come from that file: its own, its application image, or both.
+std::size_t image_count(const PGM_COMMON_XML_VEK_PATH& file);
 
 /// The options that the setup has for an on-chip device; nothing for another device.
 std::optional<DSET_OTI_DEV_OPTIONS_INFO> onchip_options(const SETUP_VIEW& setup,

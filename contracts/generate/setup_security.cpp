@@ -37,10 +37,13 @@ bool SETUP_SECURITY::load(const SETUP_VIEW& setup, const SIGNING_DESK& desk, FIN
 void SETUP_SECURITY::apply(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
                            std::vector<STREAM_INPUT>& inputs) const
 {
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-        const INPUT_SECURITY& security = m_files.at(bitstream.path[i]);
-        inputs[i].encryption = security.encryption;
-        inputs[i].signer = security.signer;
+    auto input = inputs.begin();
+    for (const PGM_COMMON_XML_VEK_PATH* file : bitstream.path) {
+        const INPUT_SECURITY& security = m_files.at(file);
+        for (std::size_t i = 0; i < image_count(*file); ++i, ++input) {
+            input->encryption = security.encryption;
+            input->signer = security.signer;
+        }
     }
 }
 

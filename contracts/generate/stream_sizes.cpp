@@ -54,26 +54,27 @@ STREAM_PROVIDER real_stream_sizes(const SETUP_VIEW& setup, const PGM_COMMON_XML_
 {
     const STREAM_SELECTION selection =
         holds_periphery_alone(setup, device.id) ? STREAM_SELECTION::PERIPHERY : STREAM_SELECTION::ALL;
-    const auto known = std::make_shared<std::map<std::string, std::uint64_t>>();
+    const auto known = std::make_shared<std::map<std::pair<std::string, bool>, std::uint64_t>>();
     const auto security = std::make_shared<SETUP_SECURITY>();
     FINDINGS of_keys; // told by the check of the keys
     security->load(setup, {}, of_keys);
-    return [selection, options = onchip_options(setup, device), known,
-            security](const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
-                      std::string& message) -> std::shared_ptr<const BYTE_SOURCE> {
-        const auto found = known->find(bitstream.id);
+    return [&setup, selection, options = onchip_options(setup, device), known, security](
+               const BITSTREAM_PICK& pick, std::string& message) -> std::shared_ptr<const BYTE_SOURCE> {
+        const auto found = known->find({pick.id, pick.bootloader_only});
         if (found != known->end()) {
             return size_source(found->second);
         }
+        const PGM_COMMON_XML_VEK_BITSTREAM& bitstream = *setup.bitstreams().find(pick.id);
         std::error_code error;
         const std::string directory = std::filesystem::temp_directory_path(error).string();
         std::vector<STREAM_INPUT> inputs = stream_inputs(bitstream, options);
         security->apply_sizes(bitstream, inputs);
+        apply_pick(pick, inputs);
         const auto stream = build_configuration_stream(inputs, directory, message, selection);
         if (!stream) {
             return nullptr;
         }
-        known->emplace(bitstream.id, stream->size());
+        known->emplace(std::make_pair(pick.id, pick.bootloader_only), stream->size());
         return size_source(stream->size());
     };
 }

@@ -153,3 +153,43 @@ TEST_F(KEY_COMMANDS, signed_firmware_goes_into_a_signed_bitstream)
     const std::string text(stream.begin(), stream.end());
     EXPECT_NE(text.find(std::string(5000, 'f')), std::string::npos);
 }
+
+TEST_F(KEY_COMMANDS, a_prepared_stream_is_finalized_where_the_keys_are)
+{
+    make_private_pem(path("owner.pem"), "P-256");
+    const std::string file =
+        setup("LNKSX8", m_board.bitstream("top.sof", "ZR9A012", "LNKSX8", 70000, {"--encryption"}),
+              "signing=\"ON\" finalize_encryption=\"1\" finalize_encryption_later=\"1\"", "RBF");
+    const ANSWER generated = run({"generate", file});
+    ASSERT_EQ(generated.exit_code, EXIT_CODE_DONE) << generated.err;
+    EXPECT_EQ(run({"verify", file}).exit_code, EXIT_CODE_DONE);
+    EXPECT_THAT(run({"inspect", path("out/board.rbf"), "--json"}).out,
+                HasSubstr("\"to_be_completed\": true"));
+    ASSERT_EQ(key("aes", "field.aek").exit_code, EXIT_CODE_DONE);
+    const ANSWER made = run({"finalize", path("out/board.rbf"), "--aek", path("field.aek"), "--pem",
+                             path("owner.pem"), "-o", path("top.rbf")});
+    ASSERT_EQ(made.exit_code, EXIT_CODE_DONE) << made.err;
+    EXPECT_EQ(run({"verify", path("top.rbf")}).exit_code, EXIT_CODE_DONE);
+    const std::string facts = run({"inspect", path("top.rbf"), "--json"}).out;
+    EXPECT_THAT(facts, HasSubstr("\"to_be_completed\": false"));
+    EXPECT_THAT(facts, HasSubstr("\"signer\""));
+    const ANSWER again = run({"finalize", path("top.rbf"), "--aek", path("field.aek"), "--pem",
+                              path("owner.pem"), "-o", path("twice.rbf")});
+    EXPECT_EQ(again.exit_code, EXIT_CODE_INPUT_UNREADABLE);
+    EXPECT_THAT(again.err, HasSubstr("The stream has no image whose encryption is to be completed."));
+}
+
+TEST_F(KEY_COMMANDS, raw_data_with_regions_makes_a_partial_bitstream)
+{
+    m_board.bitstream("part.pmsf", "CA3M050", "PS", 70000,
+                      {"--region", "left:0x1000:60000", "--region", "right:100000:10000"});
+    const std::string facts = run({"inspect", path("part.pmsf"), "--json"}).out;
+    EXPECT_THAT(facts, HasSubstr("\"kind\": \"partial bitstream\""));
+    EXPECT_THAT(facts, HasSubstr("\"name\": \"right\""));
+    EXPECT_EQ(run({"convert", path("part.pmsf"), "-o", path("part.prrbf")}).exit_code, EXIT_CODE_DONE);
+    const ANSWER refused = run({"pack", "--device", "CA3M050", "--core", path("part.pmsf.core"), "--region",
+                                "left:0x", "-o", path("no.pmsf")});
+    EXPECT_EQ(refused.exit_code, EXIT_CODE_USAGE);
+    EXPECT_THAT(refused.err, HasSubstr("\"left:0x\" is no region; write name, offset and length, as in "
+                                       "left:0x1000:4096."));
+}

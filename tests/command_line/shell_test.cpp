@@ -17,7 +17,7 @@ using testing::Not;
 
 const std::vector<std::string> COMMANDS{"generate", "convert",  "check",   "show",      "edit",
                                         "verify",   "map",      "inspect", "pack",      "sample",
-                                        "key",      "firmware", "list",    "completion"};
+                                        "key",      "firmware", "finalize", "list",    "completion"};
 
 /// The options that the help of a command shows, short and long.
 std::vector<std::string> options_of(const std::vector<std::string>& command)

@@ -261,10 +261,7 @@ TEST(check, a_bitstream_without_a_page_in_a_device_with_pages_cannot_be_selected
 TEST(check, options_that_are_not_honoured_are_named)
 {
     const std::vector<std::pair<std::string, std::string>> options = {
-        {"rsu_version", "1"},   {"finalize_encryption_later", "1"},
-        {"key_file2", "x"},     {"smsf_file", "x"},
-        {"firmware_only", "1"}, {"seu_recovery", "1"},
-        {"skc_file", "x"}};
+        {"smsf_file", "x"}, {"seu_recovery", "1"}, {"skc_file", "x"}};
     for (const auto& [attribute, value] : options) {
         SCOPED_TRACE(attribute);
         PASSIVE setup;
@@ -277,12 +274,21 @@ TEST(check, options_that_are_not_honoured_are_named)
         EXPECT_FALSE(findings.can_generate());
         EXPECT_TRUE(findings.can_save());
     }
-    ACTIVE section;
-    section.assignment().bitstream_id[0]->section = "HPS";
+    ACTIVE device;
+    device.document().flash_devices[0]->flash_device[0]->chip_select = "1";
     expect_only(
-        section, FINDING_OPTION_NOT_HONOURED,
-        "ASSIGNMENT \"P1\" / BITSTREAM_ID \"Bitstream_1\": The attribute \"section\" asks for a section of a "
-        "bitstream, which this version does not do yet; switch the option off.");
+        device, FINDING_OPTION_NOT_HONOURED,
+        "FLASH_DEVICE \"F\": The attribute \"chip_select\" asks for a chip select, which this version "
+        "does not do yet; switch the option off.");
+    for (const auto& [attribute, value, words] :
+         {std::array<std::string, 3>{"allow_device_state", "DEBUG", "a device state"},
+          std::array<std::string, 3>{"subtype", "x", "a subtype"}}) {
+        PASSIVE output;
+        output.document().output_files[0]->output_file[0]->write_attribute_string(attribute, value);
+        expect_only(output, FINDING_OPTION_NOT_HONOURED,
+                    "OUTPUT_FILE \"RBF\": The attribute \"" + attribute + "\" asks for " + words +
+                        ", which this version does not do yet; switch the option off.");
+    }
 }
 
 TEST(check, options_that_exclude_each_other_are_refused)
@@ -546,7 +552,7 @@ TEST(check, every_finding_of_a_setup_is_told_at_once)
 {
     PASSIVE setup;
     setup.first_output().name = "a/b";
-    setup.file().firmware_only = "1";
+    setup.file().seu_recovery = "1";
     setup.output("SVF", {});
     EXPECT_EQ(check(setup).all().size(), 3U) << check(setup).message();
 }

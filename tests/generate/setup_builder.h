@@ -20,7 +20,7 @@ struct SMALL_BITSTREAM {
     std::size_t core = 100000;
     unsigned seed = 1;
     std::size_t firmware = 0;
-    std::optional<unsigned> scheme;
+    std::optional<unsigned> scheme{};
     bool partial = false;
     bool prepared_for_encryption = false; ///< compiled with the option that lets encryption be finalised
 };

@@ -120,11 +120,12 @@ private:
         check_image();
         LOADED_IMAGE image;
         const std::uint64_t flags = cursor.number(1);
-        require(flags < 16, "unknown flags");
+        require(flags < 32, "unknown flags");
         image.partial = (flags & 1U) != 0;
         m_signature_due = (flags & 2U) != 0;
         image.decompression_during_pr = (flags & 4U) != 0;
         image.replaces_factory = (flags & 8U) != 0;
+        image.application = (flags & 16U) != 0;
         m_chain.clear();
         image.signed_begin = m_packet_start;
         for (std::uint64_t& length : m_lengths)
@@ -165,11 +166,20 @@ private:
             const BYTES record = cursor.rest();
             require(record.size() == 24 && record[0] == 1, "unknown encryption");
             image.key_info.assign(record.begin(), record.end());
+            image.prepared_for_encryption = (record[3] & 2U) != 0;
+            require(!image.prepared_for_encryption || !m_signature_due, "a prepared image is signed");
             break;
         }
         case 0x08: {
             const BYTES record = cursor.rest();
             image.firmware_record.assign(record.begin(), record.end());
+            break;
+        }
+        case 0x09: {
+            const BYTES record = cursor.rest();
+            require(record.size() == 8 && record[4] < 2 && record[5] == 0 && record[6] == 0 && record[7] == 0,
+                    "a malformed update record");
+            image.update_record.assign(record.begin(), record.end());
             break;
         }
         case 0x10:
@@ -201,7 +211,7 @@ private:
         require(length > 0 && length <= 1048576, "frames of a wrong length");
         BYTES stored = cursor.rest();
         std::vector<std::uint8_t> decrypted;
-        require((opcode >= 0x18) != image.key_info.empty(),
+        require((opcode >= 0x18) == (!image.key_info.empty() && !image.prepared_for_encryption),
                 "frames in the clear and encrypted ones are mixed");
         if (opcode >= 0x18) {
             decrypted = decrypt(image, stored);

@@ -21,6 +21,9 @@ struct LOADED_IMAGE {
     bool partial = false;
     bool decompression_during_pr = false;
     bool replaces_factory = false;
+    bool application = false;
+    std::vector<std::uint8_t> update_record; ///< version, flags, zeros; empty for none
+    bool prepared_for_encryption = false;
     std::optional<std::uint32_t> scheme;
     std::map<std::string, bool> options;
     std::vector<std::uint8_t> option_block; ///< the record as it stands; empty for none
