@@ -56,6 +56,28 @@ protected:
         return count;
     }
 
+    /// What is said of the signature of each output, with the names of the digests that were written.
+    testing::Matcher<std::string> is_of_both(const std::string& reason) const
+    {
+        std::vector<std::string> digests;
+        for (const auto& entry : std::filesystem::directory_iterator(m_board.path("desk"))) {
+            if (entry.path().extension() == ".sha384") {
+                digests.push_back(entry.path().stem().string());
+            }
+        }
+        EXPECT_EQ(digests.size(), 2U);
+        const auto of_both = [&](const std::string& first, const std::string& second) {
+            std::string text;
+            for (const auto& [output, digest] : {std::pair{"a.rbf", first}, std::pair{"a.rim", second}}) {
+                text += "Error (20809): Can't generate programming file " + m_board.path("out/") + output +
+                        " - " + m_board.path("desk/") + digest + ".sig" + reason + "\n";
+            }
+            return text;
+        };
+        // The name of a digest is a part of itself: which one is of the stream, only the tool knows.
+        return testing::AnyOf(of_both(digests[0], digests[1]), of_both(digests[1], digests[0]));
+    }
+
     BOARD m_board;
     TEMPORARY_DIRECTORY m_elsewhere;
     std::string m_setup;
@@ -87,11 +109,18 @@ TEST_F(SIGNING_ELSEWHERE, signatures_of_another_key_and_missing_ones_are_refused
     ASSERT_EQ(run({"generate", m_setup, "--write-digests", m_board.path("desk")}).exit_code, EXIT_CODE_DONE);
     const ANSWER missing = run({"generate", m_setup, "--signatures", m_board.path("desk")});
     EXPECT_EQ(missing.exit_code, EXIT_CODE_OUTPUT_NOT_WRITTEN);
+    EXPECT_THAT(missing.err,
+                is_of_both(" cannot be opened: no such file. Sign the digest of that name and put the "
+                           "signature there."));
     EXPECT_TRUE(nothing_is_written());
     make_private_pem(m_elsewhere / "other.pem", "P-384");
     sign_all(m_elsewhere / "other.pem");
     const ANSWER other = run({"generate", m_setup, "--signatures", m_board.path("desk")});
     EXPECT_EQ(other.exit_code, EXIT_CODE_OUTPUT_NOT_WRITTEN);
+    EXPECT_THAT(
+        other.err,
+        is_of_both(" is not a signature of the digest of that name by the key that the setup names; sign the "
+                   "digest again with that key."));
     EXPECT_TRUE(nothing_is_written());
 }
 

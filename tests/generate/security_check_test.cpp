@@ -57,28 +57,8 @@ TEST(bad_keys, key_files)
     expect_refused(setup, FINDING_KEY_FILE, refused);
     write_secret(name, "this is no key file");
     expect_refused(setup, FINDING_KEY_FILE, refused);
-    file.key_file1 = setup.path("none.key");
-    EXPECT_THAT(check(setup).message(), HasSubstr("none.key"));
-    EXPECT_EQ(check(setup).all().at(0).kind, FINDING_KEY_FILE);
-    file.key_file1 = setup.directory().path();
-    EXPECT_EQ(check(setup).all().at(0).kind, FINDING_KEY_FILE) << "a directory";
     file.key_file1 = "";
     expect_refused(setup, FINDING_KEY_FILE, "No key file is named although encryption is on; name one.");
-}
-
-TEST(bad_keys, a_key_file_that_others_can_read_is_warned_about_and_taken)
-{
-    ENCRYPTED setup;
-    setup.output("RBF", {"Bitstream_1"});
-    const std::string name = file_of(setup).key_file1;
-    ASSERT_EQ(chmod(name.c_str(), 0644), 0);
-    const FINDINGS findings = check(setup);
-    EXPECT_EQ(findings.message(), LABEL + "The file " + in_quotes(name) +
-                                      " holds a secret and can be read by others; take the rights from them "
-                                      "with \"chmod 600\".");
-    EXPECT_TRUE(findings.can_generate());
-    EXPECT_TRUE(findings.has_warning());
-    EXPECT_TRUE(run_generation(setup).success);
 }
 
 TEST(bad_keys, lock_files)
@@ -106,9 +86,6 @@ TEST(bad_keys, lock_files)
     expect_refused(setup, FINDING_LOCK_FILE,
                    "The encryption lock file " + in_quotes(file.elk_file) +
                        " is for a non-volatile key; switch the non-volatile key on.");
-    write_secret(setup.path("garbage.elk"), "garbage");
-    file.elk_file = setup.path("garbage.elk");
-    EXPECT_EQ(check(setup).all().at(0).kind, FINDING_LOCK_FILE);
     file.elk_file = setup.path("good.elk");
     file.ekp_file = setup.path("own.ekp");
     expect_refused(
@@ -141,9 +118,8 @@ TEST(bad_keys, pem_files_and_passwords)
     expect_refused(setup, FINDING_SIGNING_KEY,
                    pem + " holds a private key that the password does not open; correct the password.");
     write_secret(file.password, "\n");
-    EXPECT_EQ(check(setup).all().at(0).kind, FINDING_PASSWORD_FILE) << check(setup).message();
-    file.password = setup.path("none");
-    EXPECT_EQ(check(setup).all().at(0).kind, FINDING_PASSWORD_FILE) << check(setup).message();
+    expect_refused(setup, FINDING_PASSWORD_FILE,
+                   file.password + " has no password in its first line; write it there.");
     file.password = "";
     expect_refused(setup, FINDING_SIGNING_KEY,
                    pem + " holds a private key under a password, and no password file is named; name a file "
@@ -226,4 +202,8 @@ TEST(bad_keys, a_public_key_alone_does_not_sign)
     const FINDINGS findings = check(setup);
     ASSERT_EQ(findings.all().size(), 1U) << findings.message();
     EXPECT_EQ(findings.all()[0].kind, FINDING_SIGNED_ELSEWHERE);
+    EXPECT_EQ(findings.message(), LABEL + in_quotes(setup.path("public.pem")) +
+                                      " holds a public key alone; write the digests with \"imagewright-cmd "
+                                      "generate --write-digests\", sign them, and give the signatures with "
+                                      "--signatures.");
 }
