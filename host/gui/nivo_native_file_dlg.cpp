@@ -1,10 +1,14 @@
 #include "nivo_native_file_dlg.h"
 
+#include "fio_path.h"
 #include "msg_internal_error.h"
 
 #include <QCheckBox>
 #include <QDir>
+#include <QFileInfo>
 #include <QGridLayout>
+#include <QMessageBox>
+#include <QRegularExpression>
 
 #include <deque>
 
@@ -26,6 +30,21 @@ NIVO_NATIVE_FILE_DLG::QUESTION& kept_question()
 {
     static NIVO_NATIVE_FILE_DLG::QUESTION question;
     return question;
+}
+
+/// "vek" of "Setups (*.vek)"; empty for a filter without an extension.
+QString extension_of(const QString& name_filter)
+{
+    static const QRegularExpression pattern(QStringLiteral("\\(\\*\\.([^\\s\\)]+)"));
+    return pattern.match(name_filter).captured(1);
+}
+
+/// Where a document goes that the user wants under `path`.
+QString document_path(const QString& path, const QString& extension)
+{
+    FIO_PATH document(path.toLocal8Bit().toStdString());
+    document.extension(extension.toLocal8Bit().toStdString(), std::string());
+    return QString::fromLocal8Bit(document.fullpath().c_str());
 }
 } // namespace
 
@@ -56,7 +75,7 @@ int NIVO_NATIVE_FILE_DLG::exec()
         if (m_has_checkbox && m_special_mode != SPECIAL_MODE_NONE) {
             add_checkbox();
         }
-        return QFileDialog::exec();
+        return m_special_mode == SPECIAL_MODE_SAVE_DOCUMENT ? exec_to_save_document() : QFileDialog::exec();
     }
     const ANSWER answer = answers.front();
     answers.pop_front();
@@ -78,6 +97,33 @@ QStringList NIVO_NATIVE_FILE_DLG::selectedFiles() const
 QString NIVO_NATIVE_FILE_DLG::selectedNameFilter() const
 {
     return m_was_answered ? m_answered_name_filter : QFileDialog::selectedNameFilter();
+}
+
+int NIVO_NATIVE_FILE_DLG::exec_to_save_document()
+{
+    const QString extension = extension_of(nameFilters().value(0));
+    setDefaultSuffix(extension);
+    for (;;) {
+        if (QFileDialog::exec() != Accepted) {
+            return Rejected;
+        }
+        // The dialog itself has asked about the file that was typed.
+        const QString typed = QFileDialog::selectedFiles().value(0);
+        const QString document = document_path(typed, extension);
+        if (document == typed || !QFileInfo::exists(document) || may_replace(document)) {
+            return Accepted;
+        }
+    }
+}
+
+bool NIVO_NATIVE_FILE_DLG::may_replace(const QString& path)
+{
+    QMessageBox box(QMessageBox::Warning, windowTitle(),
+                    tr("%1 already exists.\nDo you want to replace it?").arg(QFileInfo(path).fileName()),
+                    QMessageBox::Yes | QMessageBox::No, parentWidget());
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::No);
+    return box.exec() == QMessageBox::Yes;
 }
 
 void NIVO_NATIVE_FILE_DLG::add_checkbox()

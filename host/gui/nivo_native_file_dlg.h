@@ -15,7 +15,9 @@ public:
     enum SPECIAL_MODE : int {
         SPECIAL_MODE_NONE = 0,
         SPECIAL_MODE_OPEN_DOCUMENT = 1, ///< a document of the window; may offer the checkbox
-        SPECIAL_MODE_SAVE_DOCUMENT = 2, ///< the same for saving
+        /// The same for saving. A document is saved with the extension of the first name filter, whatever the
+        /// user types, so the file of that name is the one that is asked about.
+        SPECIAL_MODE_SAVE_DOCUMENT = 2,
     };
 
     /// What the dialog was asked when it was answered.
@@ -58,6 +60,8 @@ public:
 
 private:
     void add_checkbox();
+    int exec_to_save_document();
+    bool may_replace(const QString& path);
 
     int m_special_mode = SPECIAL_MODE_NONE;
     bool m_has_checkbox = false;

@@ -20,6 +20,7 @@
 #include <QHelpEvent>
 #include <QImage>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QProgressBar>
 #include <QPushButton>
@@ -190,6 +191,69 @@ TEST_F(FILE_DIALOG_TEST, without_an_answer_the_dialog_comes_up_with_its_checkbox
     EXPECT_EQ(dialog.exec(), QDialog::Accepted);
     EXPECT_FALSE(dialog.is_checkbox_checked());
     EXPECT_EQ(dialog.selectedFiles(), QStringList{path});
+}
+
+TEST_F(FILE_DIALOG_TEST, a_document_saved_without_its_extension_replaces_no_file_unasked)
+{
+    const QString path = make_file("a.vek");
+    NIVO_NATIVE_FILE_DLG dialog;
+    dialog.setDirectory(m_directory.path());
+    dialog.setNameFilter("Setups (*.vek)");
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.set_special_mode(NIVO_NATIVE_FILE_DLG::SPECIAL_MODE_SAVE_DOCUMENT);
+    MODAL_ANSWERS answers;
+    answers.run([&](QDialog& shown) {
+        shown.findChild<QLineEdit*>("fileNameEdit")->setText(path.chopped(4));
+        answers.click(QMessageBox::No);
+        shown.accept();
+        EXPECT_TRUE(shown.isVisible());
+        answers.click(QMessageBox::Yes);
+        shown.accept();
+    });
+    EXPECT_EQ(dialog.exec(), QDialog::Accepted);
+    EXPECT_EQ(answers.boxes().size(), 2);
+    EXPECT_EQ(dialog.selectedFiles(), QStringList{path});
+}
+
+TEST_F(FILE_DIALOG_TEST, a_document_saved_with_another_extension_replaces_no_file_unasked)
+{
+    const QString path = make_file("a.vek");
+    const QString other = path.chopped(5) + "b.vek";
+    NIVO_NATIVE_FILE_DLG dialog;
+    dialog.setWindowTitle("Save As");
+    dialog.setDirectory(m_directory.path());
+    dialog.setNameFilter("Setups (*.vek)");
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.set_special_mode(NIVO_NATIVE_FILE_DLG::SPECIAL_MODE_SAVE_DOCUMENT);
+    const auto type = [](const QString& text) {
+        return [text](QDialog& shown) {
+            shown.findChild<QLineEdit*>("fileNameEdit")->setText(text);
+            shown.accept();
+        };
+    };
+    {
+        MODAL_ANSWERS answers;
+        answers.run(type(path.chopped(4) + ".txt"));
+        answers.click(QMessageBox::No);
+        answers.run(type(other));
+        EXPECT_EQ(dialog.exec(), QDialog::Accepted);
+        EXPECT_EQ(dialog.selectedFiles(), QStringList{other});
+        ASSERT_EQ(answers.boxes().size(), 1);
+        EXPECT_EQ(answers.boxes().at(0).title, "Save As");
+        EXPECT_EQ(answers.boxes().at(0).text, "a.vek already exists.\nDo you want to replace it?");
+        EXPECT_EQ(answers.boxes().at(0).default_button, QMessageBox::No);
+    }
+    {
+        MODAL_ANSWERS answers;
+        answers.run(type(path.chopped(4) + ".txt"));
+        answers.click(QMessageBox::Yes);
+        EXPECT_EQ(dialog.exec(), QDialog::Accepted);
+        EXPECT_EQ(dialog.selectedFiles(), QStringList{path.chopped(4) + ".txt"})
+            << "whoever saves exchanges it";
+    }
+    MODAL_ANSWERS answers;
+    answers.run([](QDialog& shown) { shown.reject(); });
+    EXPECT_EQ(dialog.exec(), QDialog::Rejected);
 }
 
 TEST_F(FILE_DIALOG_TEST, an_unknown_special_mode_is_a_fault)
