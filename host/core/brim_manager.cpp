@@ -1,6 +1,7 @@
 #include "brim_manager.h"
 
 #include "msg_internal_error.h"
+#include "msg_types.h"
 #include "small_text_file.h"
 
 #include <cstdlib>
@@ -41,7 +42,11 @@ BRIM_MANAGER* BRIM_MANAGER::get_brim_manager()
         auto* const created = new BRIM_MANAGER;
         if (const char* const path = std::getenv("IMAGEWRIGHT_PROJECT"); path != nullptr) {
             std::string message;
-            created->open_project(path, message);
+            if (!created->open_project(path, message)) {
+                MSG_W warning(nullptr);
+                warning.fill_args("%1!s!/WBRIM_PROJECT_UNREADABLE", message.c_str());
+                warning.report(nullptr);
+            }
         }
         return created;
     }();

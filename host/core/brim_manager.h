@@ -41,7 +41,7 @@ class BRIM_MANAGER final : public BRIM_REVISION_MANAGER
 {
 public:
     /// The one manager, never null. When it is first asked for, the project that the environment variable
-    /// IMAGEWRIGHT_PROJECT names is opened, if it can be.
+    /// IMAGEWRIGHT_PROJECT names is opened; a warning says why it cannot be.
     static BRIM_MANAGER* get_brim_manager();
 
     bool is_project_open() const;

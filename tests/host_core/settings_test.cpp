@@ -2,6 +2,7 @@
 #include "cfg.h"
 #include "gen_legal_text.h"
 #include "internal_error_trap.h"
+#include "msg_service.h"
 #include "pgm_common_ini.h"
 #include "temporary_directory.h"
 #include "thr_drl.h"
@@ -297,6 +298,47 @@ TEST_F(PROJECT, is_read_anew_by_the_first_lock_and_stays_under_it)
     EXPECT_FALSE(m_manager.is_read_locked());
 }
 
+TEST_F(PROJECT, loses_its_locks_when_it_is_closed)
+{
+    ASSERT_TRUE(open("FAMILY = Zircon\n")) << m_message;
+    ASSERT_TRUE(m_manager.read_lock(false));
+    m_manager.close_project();
+    ASSERT_TRUE(open("FAMILY = Basalt\n")) << m_message;
+    EXPECT_FALSE(m_manager.is_read_locked());
+}
+
+TEST_F(PROJECT, is_gone_when_another_one_cannot_be_opened)
+{
+    ASSERT_TRUE(open("FAMILY = Zircon\n")) << m_message;
+    EXPECT_FALSE(m_manager.open_project(m_directory / "absent.brim", m_message));
+    EXPECT_FALSE(m_manager.is_project_open());
+    EXPECT_EQ(family(), "");
+}
+
+TEST(project_of_the_environment, is_opened_or_said_to_be_broken)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // a process in which nobody has asked for the manager yet
+    const auto said_at_the_start = [](const std::string& path) {
+        setenv("IMAGEWRIGHT_PROJECT", path.c_str(), 1);
+        std::string said;
+        const MSG_SINK_SCOPE sink([&said](const MSG_RECORD& record) { said += record.text; });
+        const BRIM_MANAGER* const manager = BRIM_MANAGER::get_brim_manager();
+        return said + (manager->is_project_open() ? "open" : "");
+    };
+    EXPECT_EXIT(
+        {
+            const TEMPORARY_DIRECTORY directory;
+            write_file(directory / "top.brim", "FAMILY = Zircon\n");
+            _exit(said_at_the_start(directory / "top.brim") == "open" ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(
+        _exit(said_at_the_start("/absent.brim") == "/absent.brim cannot be read: No such file or directory."
+                  ? 0
+                  : 1),
+        testing::ExitedWithCode(0), "");
+}
+
 TEST_F(PROJECT, refuses_a_broken_file_with_its_line)
 {
     EXPECT_FALSE(open("FAMILY = Zircon\nnonsense\n"));
@@ -332,6 +374,12 @@ TEST(dynamic_loader, says_why_a_module_cannot_be_loaded)
     EXPECT_EQ(thr_drl_get_error(), "\"../lib/x\" is no module name: it has to be a bare name.");
     EXPECT_EQ(thr_drl_find_function(nullptr, "f"), nullptr);
     EXPECT_EQ(thr_drl_get_error(), "The function f cannot be found: its module is not loaded.");
+    THR_DRL_HANDLE const handle = thr_drl_load("host_core_sample");
+    EXPECT_EQ(thr_drl_get_error(), "") << "of the call before the last";
+    EXPECT_EQ(thr_drl_load("no_such_module"), nullptr);
+    EXPECT_NE(thr_drl_find_function(handle, "sample_answer"), nullptr);
+    EXPECT_EQ(thr_drl_get_error(), "") << "of the call before the last";
+    thr_drl_unload(handle);
     thr_drl_unload(nullptr);
     EXPECT_EQ(thr_drl_get_error(), "");
 }
