@@ -1,9 +1,9 @@
+#include "cfg.h"
+#include "flash_offer.h"
 #include "pgm_device.h"
 #include "vek_db.h"
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
 
 namespace
 {
@@ -15,34 +15,20 @@ struct KEYS {
     bool tessel = false;
 };
 
-/// What the dialog that adds a flash device offers in a mode, in its order.
+/// What is offered as the carrier of a flash image in a mode, in the order of the device list.
 std::string offered(PGMIO_CONFIG_SCHEME mode, const KEYS& keys = {})
 {
+    cfg_override("pgm_allow_cfi4g", keys.cfi4g ? "on" : "off");
+    cfg_override("PGM_ALLOW_KELT_DEVICE", keys.kelt ? "on" : "off");
+    cfg_override("PGM_ALLOW_TESSEL_DEVICE", keys.tessel ? "on" : "off");
     const std::vector<DEV_FAMILY_ENUM> families = VEK_DB::get_config_device_family(mode);
     std::string names;
     for (const PGM_DEVICE* device : PGM_DEVICE_INDEX::get_device_list()) {
-        if ((device->ask_not_listed && device->is_dev_not_listed()) ||
-            (device->ask_no_pof && device->is_dev_no_pof()) ||
-            std::ranges::find(families, device->family) == families.end()) {
-            continue;
-        }
-        bool wanted = device->device_class == DEV_CLASS_CONFIG_FLASH;
-        std::string name = device->name;
-        if (device->family == DEV_FAMILY_CFI_FLASH) {
-            wanted = device->device != DEV_DEVICE_CFI_4G || keys.cfi4g;
-            name.back() = 'b';
-        } else if (device->family == DEV_FAMILY_ASC_SERIAL) {
-            wanted = wanted && PGM_DEVICE_INDEX::enable_asc_device(device, true, true);
-        } else if (device->family == DEV_FAMILY_SPECIAL_FLASH) {
-            const bool special = PGM_DEVICE_INDEX::is_tsu_tessel_device(device);
-            wanted = wanted && ((keys.kelt && special) || (keys.tessel && !special));
-        } else if (device->family != DEV_FAMILY_SERIAL_A && device->family != DEV_FAMILY_SERIAL_B) {
-            wanted = false;
-        }
-        if (wanted) {
-            names += (names.empty() ? "" : " ") + name;
+        if (flash_device_is_offered(*device, families)) {
+            names += (names.empty() ? "" : " ") + device->user_name();
         }
     }
+    cfg_clear_overrides();
     return names;
 }
 
@@ -84,6 +70,18 @@ TEST(add_device_offer, the_keys_of_the_special_family_look_crossed)
     EXPECT_EQ(offered(PGMIO_CONFIG_SCHEME_LNKS_X8, {.kelt = true, .tessel = true}),
               "TSU128 TSU512 KELT64 KELT256 " + PARALLEL);
     EXPECT_EQ(offered(PGMIO_CONFIG_SCHEME_LNKS_X8, {.kelt = false, .tessel = false}), PARALLEL);
+}
+
+TEST(add_device_offer, without_a_key_the_special_devices_are_offered_and_the_largest_parallel_flash_is_not)
+{
+    const auto is_offered = [](const char* name) {
+        return flash_device_is_offered(*PGM_DEVICE_INDEX::find_by_name(name),
+                                       {DEV_FAMILY_CFI_FLASH, DEV_FAMILY_SPECIAL_FLASH});
+    };
+    EXPECT_TRUE(is_offered("TSU128"));
+    EXPECT_FALSE(is_offered("KELT64"));
+    EXPECT_TRUE(is_offered("CFI_2Gb"));
+    EXPECT_FALSE(is_offered("CFI_4Gb"));
 }
 
 TEST(add_device_offer, the_internal_mode_offers_nothing)
