@@ -276,6 +276,13 @@ TEST(setup_file, is_not_written_when_it_could_not_be_read)
               "The setup cannot be written: the text of RAW_FILE holds a byte at position 1 that is no UTF-8 "
               "text or a "
               "character that XML forbids; choose another name or path.");
+    // Forms that are longer than they need be would come back as another text.
+    for (const char* const overlong : {"\xE0\x80\xAF.hex", "\xF0\x80\x80\xAF.hex"}) {
+        EXPECT_NE(with([overlong](auto& root) {
+                      root.raw_files[0]->raw_file[0]->text = overlong;
+                  }).find("holds a byte at position 1 that is no UTF-8 text"),
+                  std::string::npos);
+    }
     EXPECT_EQ(with([](auto& root) { root.settings[0]->mode = "XX"; }),
               "The setup cannot be written: the attribute mode of SETTINGS is \"XX\", expected is PS, FPP, "
               "ASX1, ASX4, "

@@ -115,6 +115,19 @@ TEST_F(MESSAGE_SERVICE, lets_a_sink_remove_itself)
     EXPECT_EQ(calls, 1);
 }
 
+TEST_F(MESSAGE_SERVICE, tells_a_sink_nothing_once_an_earlier_one_has_removed_it)
+{
+    MSG_SERVICE& service = MSG_SERVICE::instance();
+    MSG_SERVICE::SINK_ID second = 0;
+    int told = 0;
+    const MSG_SERVICE::SINK_ID first =
+        service.add_sink([&](const MSG_RECORD&) { service.remove_sink(second); });
+    second = service.add_sink([&](const MSG_RECORD&) { ++told; });
+    service.post(MSG_RECORD());
+    service.remove_sink(first);
+    EXPECT_EQ(told, 0);
+}
+
 TEST_F(MESSAGE_SERVICE, works_on_after_a_sink_has_thrown)
 {
     const auto id =

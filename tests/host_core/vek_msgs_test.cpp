@@ -1,3 +1,4 @@
+#include "internal_error_trap.h"
 #include "msg_service.h"
 #include "vek_msgs.h"
 
@@ -164,6 +165,20 @@ TEST(vek_messages, direct_debug_output_has_the_subject_of_the_module)
     msg_vdebug_impl(MSG_D_LEVEL_2, "config_device.family = %d", 48);
     msg_set_debug_level(0);
     EXPECT_EQ(told, (std::vector<std::string>{"VEK: config_device.family = 48"}));
+}
+
+TEST(message_id_registrar, takes_tables_of_one_size_and_one_type_for_an_id)
+{
+    static const std::uint32_t ids[] = {900002, 900003};
+    static const MSG_POST_TYPE types[] = {MSG_POST_WARNING, MSG_POST_ERROR};
+    static const MSG_POST_TYPE other_types[] = {MSG_POST_WARNING, MSG_POST_INFORMATION};
+    EXPECT_INTERNAL_ERROR(MSG_ID_REGISTRAR(ids, std::span(types).first(1)), "ids.size() == types.size()");
+    const MSG_ID_REGISTRAR first(ids, types);
+    EXPECT_INTERNAL_ERROR(MSG_ID_REGISTRAR(ids, other_types),
+                          "message id 900003 is registered with one type");
+    MSG_POST_TYPE type = MSG_POST_INFORMATION;
+    EXPECT_TRUE(MSG_ID_REGISTRAR::find(900003, type));
+    EXPECT_EQ(type, MSG_POST_ERROR);
 }
 
 TEST(message_id_registrar, keeps_an_id_until_its_last_registrar_goes)
