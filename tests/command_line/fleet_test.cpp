@@ -1,11 +1,14 @@
 #include "command_run.h"
 #include "fleet.h"
+#include "reference_loader.h"
 
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <map>
 #include <set>
 #include <sstream>
+#include <sys/stat.h>
 
 namespace
 {
@@ -210,6 +213,124 @@ TEST_F(FLEET, setups_with_different_flash_databases_do_not_disturb_each_other)
     const ANSWER answer = run({"generate", m_board.path("units"), "--jobs", "4", "--quiet"});
     EXPECT_EQ(answer.exit_code, EXIT_CODE_DONE) << answer.err;
     EXPECT_EQ(outputs().size(), 12U);
+}
+
+/// Units with keys of their own, made by the commands that the page about fleets shows.
+class FLEET_OF_KEYS : public FLEET
+{
+protected:
+    static constexpr unsigned UNITS = 9;
+
+    void SetUp() override
+    {
+        FLEET::SetUp();
+        std::filesystem::create_directories(m_board.path("keys"));
+        const std::string top = m_board.bitstream("encrypted.sof", "CA3M050", "PS", 70000);
+        const std::string base = m_board.setup(
+            "base.vek", "PS",
+            element("BITSTREAMS", "<BITSTREAM id=\"B\">" + element("PATH", top) + "</BITSTREAM>") +
+                element("OUTPUT_FILES", "<OUTPUT_FILE type=\"RBF\" name=\"base\" directory=\"" +
+                                            m_board.path("out") + "\">" + element("BITSTREAM_ID", "B") +
+                                            "</OUTPUT_FILE>"));
+        for (unsigned i = 0; i < UNITS; ++i) {
+            const std::string name = "unit_" + std::to_string(i);
+            const std::string keys = m_board.path("keys/" + name + ".key");
+            write_file(keys, "unit " + digits(i) + "\n");
+            ASSERT_EQ(::chmod(keys.c_str(), 0600), 0);
+            const ANSWER answer =
+                run({"--quiet", "edit", base, "bitstream", "id=B", "path=" + top, "path_encryption=1",
+                     "path_key_file1=" + keys, "path_key1=unit", "output_file", "type=RBF", "name=" + name,
+                     "-o", m_board.path("units/" + name + ".vek")});
+            ASSERT_EQ(answer.exit_code, EXIT_CODE_DONE) << answer.err;
+        }
+    }
+
+    static std::string digits(unsigned unit)
+    {
+        std::string text(64, 'A');
+        text[unit] = '1';
+        return text;
+    }
+
+    static std::vector<std::uint8_t> key(unsigned unit)
+    {
+        std::vector<std::uint8_t> bytes;
+        for (std::size_t i = 0; i < 64; i += 2) {
+            bytes.push_back(static_cast<std::uint8_t>(std::stoul(digits(unit).substr(i, 2), nullptr, 16)));
+        }
+        return bytes;
+    }
+
+    std::string file(unsigned unit) const
+    {
+        return m_board.path("out/unit_" + std::to_string(unit) + ".rbf");
+    }
+
+    /// The written files by name, and then none.
+    std::map<std::string, std::vector<std::uint8_t>> take_outputs() const
+    {
+        std::map<std::string, std::vector<std::uint8_t>> taken;
+        for (const std::string& name : outputs()) {
+            taken[name] = read_file(m_board.path("out/" + name));
+            std::filesystem::remove(m_board.path("out/" + name));
+        }
+        return taken;
+    }
+
+    void generate(const std::vector<std::string>& more) const
+    {
+        std::vector<std::string> arguments = {"generate", m_board.path("units"), "--quiet"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const ANSWER answer = run(arguments);
+        ASSERT_EQ(answer.exit_code, EXIT_CODE_DONE) << answer.err;
+    }
+};
+
+TEST_F(FLEET_OF_KEYS, every_unit_is_encrypted_with_its_own_key_alone)
+{
+    generate({});
+    ASSERT_EQ(outputs().size(), UNITS);
+    for (unsigned unit = 0; unit < UNITS; ++unit) {
+        const std::vector<std::uint8_t> bytes = read_file(file(unit));
+        LOADED_STREAM stream;
+        std::string error;
+        ASSERT_TRUE(load_configuration_stream(bytes, stream, error, key(unit))) << error;
+        EXPECT_GT(stream.images.at(0).encrypted_packets, 0U);
+        const std::string core = read_text_file(m_board.path("encrypted.sof.core"));
+        EXPECT_EQ(stream.images.at(0).core, std::vector<std::uint8_t>(core.begin(), core.end()));
+        EXPECT_FALSE(load_configuration_stream(bytes, stream, error, key((unit + 1) % UNITS)));
+        EXPECT_EQ(error, "the device has another key");
+    }
+}
+
+TEST_F(FLEET_OF_KEYS, two_shards_write_different_files_and_together_all_with_the_same_bytes)
+{
+    generate({"--jobs", "1"});
+    const auto whole = take_outputs();
+    ASSERT_EQ(whole.size(), UNITS);
+    for (const std::string jobs : {"1", "2", "8"}) {
+        generate({"--shard", "1/2", "--jobs", jobs});
+        auto first = take_outputs();
+        generate({"--shard", "2/2", "--jobs", jobs});
+        auto second = take_outputs();
+        EXPECT_EQ(first.size(), 5U);
+        EXPECT_EQ(second.size(), 4U);
+        first.merge(second);
+        EXPECT_TRUE(second.empty()) << "a file was written by both shards";
+        EXPECT_TRUE(first == whole) << jobs << " jobs";
+        generate({"--jobs", jobs});
+        EXPECT_TRUE(take_outputs() == whole) << jobs << " jobs";
+    }
+}
+
+TEST_F(FLEET_OF_KEYS, a_unit_whose_key_is_missing_fails_alone)
+{
+    std::filesystem::remove(m_board.path("keys/unit_4.key"));
+    const ANSWER answer = run({"generate", m_board.path("units"), "--quiet"});
+    EXPECT_EQ(answer.exit_code, EXIT_CODE_REFUSED);
+    EXPECT_THAT(answer.err, HasSubstr(m_board.path("keys/unit_4.key") + " cannot be opened: no such file."));
+    EXPECT_EQ(outputs().size(), UNITS - 1);
+    EXPECT_FALSE(std::filesystem::exists(file(4)));
 }
 
 } // namespace
