@@ -154,7 +154,7 @@ private:
                               ? BITSTREAM_FILE::open(absolute_path(path.text), message)
                               : nullptr;
         if (file && file->find(SECTION_FIRMWARE) == nullptr) {
-            m_findings.add(FINDING_FIRMWARE_MISSING, m_label,
+            m_findings.add(FINDING_OPTION_CONFLICT, m_label,
                            "The attribute \"" +
                                std::string(is_on(path.firmware_only) ? "firmware_only" : "rsu_boot_info") +
                                "\" asks for the firmware of the bitstream, which has none; compile it with "

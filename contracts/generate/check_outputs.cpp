@@ -38,9 +38,10 @@ public:
                            "The setup has no output file; choose at least one output file type.");
         }
         for (const OUTPUT_PLAN& plan : plan_outputs(m_setup, "")) {
-            check_offered(plan);
-            check_options(plan);
-            if (find_format(plan.type) == nullptr) {
+            if (find_format(plan.type) != nullptr || VEK_DB::get_virtual_type(plan.type)) {
+                check_offered(plan);
+                check_options(plan);
+            } else {
                 m_findings.add(FINDING_OUTPUT_WITHOUT_WRITER, plan.label,
                                "This version cannot write files of the type \"" +
                                    VEK_DB::get_description(plan.type) + "\"; remove the output file.");

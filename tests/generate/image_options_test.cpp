@@ -130,7 +130,7 @@ TEST(firmware_only, an_image_of_the_firmware_alone_has_no_design)
     EXPECT_TRUE(image.configuration().empty());
     EXPECT_TRUE(image.bootloader.empty());
     write_bitstream(setup.path("Bitstream_1.sof"), {.device = "ZR9A012"});
-    expect_refused(setup, FINDING_FIRMWARE_MISSING,
+    expect_refused(setup, FINDING_OPTION_CONFLICT,
                    LABEL +
                        "The attribute \"firmware_only\" asks for the firmware of the bitstream, which has "
                        "none; compile it with firmware or take the attribute away.");
@@ -170,7 +170,7 @@ TEST(update_images, what_no_update_image_can_have_is_refused)
     file.rsu_upgrade = "1";
     file.rsu_version = "4294967295";
     write_bitstream(setup.path("Bitstream_1.sof"), {.device = "ZR9A012"});
-    expect_refused(setup, FINDING_FIRMWARE_MISSING,
+    expect_refused(setup, FINDING_OPTION_CONFLICT,
                    LABEL +
                        "The attribute \"rsu_boot_info\" asks for the firmware of the bitstream, which has "
                        "none; compile it with firmware or take the attribute away.");
