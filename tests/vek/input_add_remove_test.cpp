@@ -158,8 +158,12 @@ TEST_F(INPUT_ADD_REMOVE, a_dual_image_session_takes_files_of_its_scheme_alone)
 
 TEST_F(INPUT_ADD_REMOVE, an_onchip_session_of_another_scheme_takes_one_bitstream)
 {
-    EXPECT_EQ(add(bitstream("single.sof", "GY1M16", "SINGLE_IMAGE")), 0);
+    const std::string path = bitstream("single.sof", "GY1M16", "SINGLE_IMAGE");
+    EXPECT_EQ(add(path), 0);
     EXPECT_EQ(m_cache->max_bitstreams, 1u);
+    messages();
+    EXPECT_TRUE(m_model->check_config_mode(FIO_PATH(path))) << "the schemes count where two images may be";
+    EXPECT_EQ(messages(), "");
     EXPECT_EQ(rows(*m_model), "Bitstream_1||||\n  single.sof|GY1M16|Off|Off|\n");
 }
 
@@ -231,7 +235,9 @@ TEST_F(INPUT_ADD_REMOVE, files_are_chained_in_a_bitstream_and_the_last_takes_it_
 
 TEST_F(INPUT_ADD_REMOVE, removing_the_last_bitstream_resets_the_device_though_raw_files_remain)
 {
+    set(*m_vek, VEK_CMD_OPT_SETTINGS, {{VEK_CMD_PARAM_SETTINGS_MODE, "ASX4"}});
     EXPECT_EQ(add(bitstream("one.sof", "FD7X280", "", true)), 0);
+    EXPECT_EQ(m_cache->config_mode, PGMIO_CONFIG_SCHEME_AS_X4);
     m_model->add_raw_data(FIO_PATH("/in/data.hex"));
     assign("P1", VEK_CMD_PARAM_ASSIGNMENT_BITSTREAM_ID, "Bitstream_1");
     QSignalSpy device(m_model.get(), SIGNAL(device_changed(const QString&)));

@@ -3,6 +3,7 @@
 #include "input_fixture.h"
 #include "nivo_icon.h"
 #include "pgm_device.h"
+#include "vek_db_double.h"
 
 #include <QHeaderView>
 #include <QImage>
@@ -90,6 +91,20 @@ TEST_F(INPUT_DETAILS, a_file_that_may_not_be_read_is_red)
     EXPECT_TRUE(tip.starts_with("one.sof ")) << tip;
     EXPECT_NE(tip.find("ermission"), std::string::npos) << tip;
     EXPECT_TRUE(tip.ends_with(".")) << tip;
+}
+
+TEST_F(INPUT_DETAILS, raw_data_need_not_be_a_bitstream)
+{
+    const std::string path = m_directory / "note.bin";
+    write_file(path, std::string("anything"));
+    add_bitstream(*m_vek, "Bitstream_1", path);
+    set(*m_vek, VEK_CMD_OPT_RAW_FILE,
+        {{VEK_CMD_PARAM_RAW_FILE_ID, "Raw_File_1"}, {VEK_CMD_PARAM_RAW_FILE_RAW_FILE, path}});
+    const auto model = make_model();
+    const QModelIndex file = model->index(0, 0, model->index(0, 0));
+    EXPECT_EQ(file.data(Qt::ForegroundRole).value<QColor>(), QColor(Qt::red));
+    EXPECT_EQ(file.data(Qt::ToolTipRole).toString(), QStringLiteral("note.bin is not a bitstream file."));
+    EXPECT_EQ(model->index(1, 0).data(Qt::ForegroundRole).value<QColor>(), QColor(Qt::black));
 }
 
 TEST_F(INPUT_DETAILS, red_can_be_read_on_a_dark_screen)
@@ -202,6 +217,70 @@ TEST_F(INPUT_DETAILS, the_header_and_the_kinds_of_rows_with_properties)
     EXPECT_TRUE(properties_of("ONE.SOF"));
     EXPECT_FALSE(properties_of("one.csof"));
     EXPECT_FALSE(properties_of("one.rsof"));
+}
+
+TEST_F(INPUT_DETAILS, each_kind_of_input_opens_its_button)
+{
+    const auto tab = make_tab();
+    const auto live_for = [&tab](std::vector<FIO_FILE_TYPE> types) {
+        vek_db_double().common_input_file_types = std::move(types);
+        tab->update_input_file_types();
+        return live(*tab);
+    };
+    EXPECT_EQ(live_for({FIO_SOF_FILE}), "B....");
+    EXPECT_EQ(live_for({FIO_PMSF_FILE}), "B....");
+    EXPECT_EQ(live_for({FIO_CSOF_FILE}), "B....");
+    EXPECT_EQ(live_for({FIO_SOF_FILE, FIO_CSOF_FILE, FIO_PMSF_FILE}), "B....");
+    EXPECT_EQ(live_for({FIO_HEX_FILE}), ".R...");
+    EXPECT_EQ(live_for({FIO_SOF_FILE, FIO_WKEY_FILE}), "BR...");
+    EXPECT_EQ(live_for({FIO_RSOF_FILE}), ".R...")
+        << "comes in beside others, and is asked for as a bitstream";
+    NIVO_NATIVE_FILE_DLG::reject_next();
+    tab->add_bitstream();
+    EXPECT_EQ(NIVO_NATIVE_FILE_DLG::last_question().name_filters,
+              QStringList(QString::fromStdString(fio_get_file_type_filter(FIO_RSOF_FILE, false))));
+    NIVO_NATIVE_FILE_DLG::reject_next();
+    tab->add_raw_data();
+    EXPECT_TRUE(NIVO_NATIVE_FILE_DLG::last_question().name_filters.isEmpty());
+    EXPECT_EQ(live_for({}), ".....");
+    vek_db_double() = {};
+}
+
+TEST_F(INPUT_DETAILS, the_rules_are_looked_through_once_more_for_files_of_bitstreams_alone)
+{
+    // The rows come to depend on another, which is off, when their values are asked for.
+    const auto tab = make_tab();
+    const std::string path = bitstream("one.sof", "CA3M050");
+    add_bitstream(*m_vek, "Bitstream_1", path);
+    write_file(m_directory / "a.hex", std::string(":00000001FF\n"));
+    set(*m_vek, VEK_CMD_OPT_RAW_FILE,
+        {{VEK_CMD_PARAM_RAW_FILE_ID, "Raw_File_1"}, {VEK_CMD_PARAM_RAW_FILE_RAW_FILE, "a.hex"}});
+    tab->refresh();
+    VEK_FILE_ASSISTANT_LOG log;
+    log.has_queries = true;
+    log.refuse = [](const std::string&) {
+        vek_db_double().rows[VEK_CMD_PARAM_BITSTREAM_PATH_COMPRESSION] = {
+            .parents = {VEK_CMD_PARAM_BITSTREAM_PATH_DECOMPRESSION_DURING_PR}};
+        vek_db_double().rows[VEK_CMD_PARAM_RAW_FILE_BITSWAP] = {
+            .parents = {VEK_CMD_PARAM_BITSTREAM_PATH_COMPRESSION}};
+        return false;
+    };
+    const auto is_enabled = [&](const QModelIndex& index, const char* row) {
+        vek_db_double() = {};
+        tree(*tab).setCurrentIndex(index);
+        bool enabled = false;
+        MODAL_ANSWERS answers;
+        answers.run([&](QDialog& dialog) {
+            enabled = dialog.findChild<QComboBox*>(QLatin1String(row))->isEnabled();
+            dialog.reject();
+        });
+        tab->properties();
+        vek_db_double() = {};
+        return enabled;
+    };
+    const QAbstractItemModel& model = *tree(*tab).model();
+    EXPECT_FALSE(is_enabled(model.index(0, 0, model.index(0, 0)), "Enable compression:"));
+    EXPECT_TRUE(is_enabled(model.index(1, 0), "Bit swap:"));
 }
 
 TEST_F(INPUT_DETAILS, what_the_dialogs_for_files_are_asked)

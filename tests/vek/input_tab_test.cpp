@@ -376,7 +376,8 @@ TEST_F(INPUT_BACKGROUND, while_an_add_runs_the_window_is_disabled_behind_a_busy_
     add_output(*document(), "RBF", "top", ".");
     auto* const tab = m_frame->findChild<VEK_TAB_INPUT_FILES*>();
     tab->update_input_file_types();
-    NIVO_NATIVE_FILE_DLG::answer_next({QString::fromStdString(path)});
+    set_working_directory(m_directory.path());
+    NIVO_NATIVE_FILE_DLG::answer_next({QStringLiteral("one.sof"), QStringLiteral("two.sof")});
     EXPECT_TRUE(is_enabled());
     tab->add_bitstream();
     EXPECT_EQ(NIVO_NATIVE_FILE_DLG::last_question().title, QStringLiteral("Add Bitstream"));
@@ -393,6 +394,8 @@ TEST_F(INPUT_BACKGROUND, while_an_add_runs_the_window_is_disabled_behind_a_busy_
     const auto& view = tree(*m_frame);
     EXPECT_EQ(rows(*view.model()), "Bitstream_1||||\n  one.sof|BS1L15|Off|Off|\n");
     EXPECT_TRUE(view.isExpanded(view.model()->index(0, 0)));
+    EXPECT_EQ(VEK_FILE_ASSISTANT::get_path_elements(document(), "Bitstream_1").at(0)->text, path)
+        << "the first of several, absolute";
 }
 
 TEST_F(INPUT_BACKGROUND, a_refusal_gives_the_window_back)

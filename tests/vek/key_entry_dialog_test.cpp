@@ -347,6 +347,10 @@ TEST_F(KEY_ENTRY_DIALOG, ok_needs_a_full_key_a_name_and_a_full_confirmation)
     click(confirm_edit());
     click(clear_button());
     EXPECT_FALSE(is_ok_enabled());
+    press(QStringLiteral("123"));
+    EXPECT_FALSE(is_ok_enabled()) << "a digit is missing";
+    press(QStringLiteral("4"));
+    EXPECT_TRUE(is_ok_enabled());
 }
 
 TEST_F(KEY_ENTRY_DIALOG, with_the_keys_shown_ok_needs_no_confirmation)

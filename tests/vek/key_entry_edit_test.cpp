@@ -224,6 +224,7 @@ TEST_F(KEY_ENTRY_EDIT, a_key_is_added_through_the_dialog)
     run_dialog(m_edit, "m_add_button", [](VEK_DLG_KEY_ENTRY& dialog) {
         EXPECT_EQ(dialog.get_key(), QString()) << "nothing of the last run";
         EXPECT_EQ(dialog.get_key_name(), QString());
+        EXPECT_EQ(dialog.focusWidget()->objectName(), QStringLiteral("m_entry_method_cbx"));
         dialog.reject();
     });
     EXPECT_EQ(rows(), "[one]");
@@ -319,6 +320,37 @@ TEST_F(KEY_ENTRY_EDIT, the_keys_of_a_file_come_in_by_name_behind_those_that_were
     EXPECT_EQ(last_signal(), "1111");
     EXPECT_TRUE(are_row_buttons(true));
     EXPECT_EQ(m_edit.keys_exclude_key_file(QString::fromStdString(m_directory / "a.key")).size(), 1U);
+}
+
+TEST_F(KEY_ENTRY_EDIT, the_first_key_is_announced_when_the_keys_of_a_file_are_all_in)
+{
+    std::vector<std::pair<int, QString>> announced;
+    QObject::connect(&m_edit, &VEK_KEY_ENTRY_EDIT::keyEntryEditChanged, &m_edit,
+                     [&](const QString& key) { announced.emplace_back(combo()->count(), key); });
+    m_edit.populate_key_combo(key_file("a.key", "zeta 2222\nalpha 3333\n"));
+    ASSERT_FALSE(announced.empty());
+    EXPECT_EQ(announced.back(), std::make_pair(2, QStringLiteral("3333")));
+}
+
+TEST_F(KEY_ENTRY_EDIT, the_wait_cursor_shows_before_and_after_the_dialog)
+{
+    show_active(m_edit);
+    bool waits_before = false;
+    bool waits_after = false;
+    const auto& methods = *m_edit.findChild<VEK_DLG_KEY_ENTRY*>()->findChild<QComboBox*>();
+    const auto preparing =
+        QObject::connect(&methods, qOverload<int>(&QComboBox::currentIndexChanged), &m_edit,
+                         [&] { waits_before = QApplication::overrideCursor() != nullptr; });
+    QObject::connect(&m_edit, &VEK_KEY_ENTRY_EDIT::keyEntryEditChanged, &m_edit,
+                     [&] { waits_after = QApplication::overrideCursor() != nullptr; });
+    run_dialog(m_edit, "m_add_button", [&](VEK_DLG_KEY_ENTRY& dialog) {
+        EXPECT_TRUE(waits_before);
+        QObject::disconnect(preparing);
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+        type_key(dialog, QStringLiteral("one"), QStringLiteral("1111"));
+    });
+    EXPECT_TRUE(waits_after);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(KEY_ENTRY_EDIT, the_names_alone_show_after_a_file_even_with_the_keys_shown)

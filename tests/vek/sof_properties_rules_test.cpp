@@ -399,6 +399,18 @@ TEST_F(SOF_PROPERTIES_RULES, what_two_exclude_stays_disabled_while_one_is_on)
     EXPECT_TRUE(is_enabled(*dialog, NON_VOLATILE));
 }
 
+TEST_F(SOF_PROPERTIES_RULES, a_property_does_not_exclude_itself)
+{
+    vek_db_double().rows[COMPRESSION] = {.excludes = {COMPRESSION, NON_VOLATILE}};
+    vek_db_double().rows[NON_VOLATILE] = {.excludes = {COMPRESSION, NON_VOLATILE}};
+    const DIALOG dialog = make(DEV_FAMILY_GRANITE, FIO_SOF_FILE);
+    choose(*dialog, COMPRESSION, 1);
+    EXPECT_TRUE(is_enabled(*dialog, COMPRESSION));
+    choose(*dialog, NON_VOLATILE, 1);
+    choose(*dialog, COMPRESSION, 0);
+    EXPECT_TRUE(is_enabled(*dialog, NON_VOLATILE)) << "though it is on itself";
+}
+
 TEST_F(SOF_PROPERTIES_RULES, a_hidden_property_takes_no_part_in_exclusion)
 {
     vek_db_double().rows[COMPRESSION] = {.families = {DEV_FAMILY_BASALT}, .excludes = {ENHANCED}};

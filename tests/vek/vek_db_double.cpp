@@ -132,3 +132,12 @@ bool VEK_DB::supports_exclusive_param(PARAM param, PARAM other)
                ? has(row->excludes, other)
                : database<PAIR_QUERY>("_ZN6VEK_DB24supports_exclusive_paramE" PARAM_NAME "S0_")(param, other);
 }
+
+std::vector<FIO_FILE_TYPE> VEK_DB_UTIL::get_common_input_file_types(const std::vector<VEK_FILE_TYPE>& types)
+{
+    const auto& own = vek_db_double().common_input_file_types;
+    return own ? *own
+               : database<std::vector<FIO_FILE_TYPE>(const std::vector<VEK_FILE_TYPE>&)>(
+                     "_ZN11VEK_DB_UTIL27get_common_input_file_typesERKSt6vectorI13VEK_FILE_TYPESaIS1_EE")(
+                     types);
+}

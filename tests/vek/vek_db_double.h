@@ -4,10 +4,11 @@
 #include "vek_db.h"
 
 #include <map>
+#include <optional>
 #include <vector>
 
-/// The rules of parameters that a test puts in place of those of the table. Parameters without an entry keep
-/// their own.
+/// The rules of parameters, and the kinds of input, that a test puts in place of those of the table.
+/// Parameters without an entry keep their own.
 struct VEK_DB_DOUBLE {
     struct ROW {
         bool enabled = true;
@@ -19,6 +20,8 @@ struct VEK_DB_DOUBLE {
         std::vector<PGM_COMMON_XML_VEK_CMD_PARAM_ENUM> excludes{};
     };
     std::map<PGM_COMMON_XML_VEK_CMD_PARAM_ENUM, ROW> rows;
+    /// What all outputs take, in place of what the table says of them.
+    std::optional<std::vector<FIO_FILE_TYPE>> common_input_file_types;
 };
 
 VEK_DB_DOUBLE& vek_db_double();
