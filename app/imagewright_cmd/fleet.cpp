@@ -5,9 +5,11 @@
 #include "gfpdb_mgr.h"
 #include "message_printer.h"
 #include "parallel.h"
+#include "progress_bar.h"
 #include "setup_reader.h"
 
 #include <algorithm>
+#include <atomic>
 #include <charconv>
 #include <condition_variable>
 #include <filesystem>
@@ -77,8 +79,13 @@ public:
         const unsigned jobs = m_options.jobs == 0 ? machine : m_options.jobs;
         const auto side_by_side =
             static_cast<unsigned>(std::min<std::size_t>(jobs, std::max<std::size_t>(m_setups.size(), 1)));
-        run_parallel(m_setups.size(), side_by_side,
-                     [&](std::size_t i) { run_one(i, std::max(jobs / side_by_side, 1U)); });
+        {
+            const PROGRESS_BAR bar(!m_context.quiet && !m_context.json, [this] { return progress(); });
+            run_parallel(m_setups.size(), side_by_side, [&](std::size_t i) {
+                run_one(i, std::max(jobs / side_by_side, 1U));
+                ++m_done;
+            });
+        }
         JSON document = JSON::array();
         EXIT_CODE worst = EXIT_CODE_DONE;
         std::size_t done = 0;
@@ -97,6 +104,15 @@ private:
         EXIT_CODE code = EXIT_CODE_DONE;
         JSON json;
     };
+
+    std::string progress() const
+    {
+        const std::size_t done = m_done;
+        const std::size_t all = m_setups.size();
+        return all == 0 ? ""
+                        : progress_line(static_cast<unsigned>(done * 100 / all),
+                                        std::to_string(done) + " of " + std::to_string(all) + " setups");
+    }
 
     void run_one(std::size_t index, unsigned threads)
     {
@@ -156,9 +172,11 @@ private:
     void say(const std::string& err, const std::string& out)
     {
         const std::lock_guard<std::mutex> lock(message_stream_mutex());
+        clear_progress_line();
         m_context.err << printable(err);
         if (!m_context.json && !m_context.quiet) {
-            m_context.out << printable(out);
+            // Both streams may be one terminal, where the bar is drawn again behind these lines.
+            m_context.out << printable(out) << std::flush;
         }
     }
 
@@ -166,6 +184,7 @@ private:
     const std::vector<std::string>& m_setups;
     const FLEET_OPTIONS& m_options;
     std::vector<RESULT> m_results;
+    std::atomic<std::size_t> m_done{0};
     DATABASE_TURN m_turn;
     std::mutex m_mutex;
     std::map<std::string, std::string> m_owners; ///< path of an output to its setup

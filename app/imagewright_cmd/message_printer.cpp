@@ -1,6 +1,7 @@
 #include "message_printer.h"
 
 #include "command.h"
+#include "progress_bar.h"
 
 #include <ostream>
 
@@ -31,6 +32,7 @@ MESSAGE_PRINTER::MESSAGE_PRINTER(std::ostream& stream, bool quiet, bool verbose)
               return;
           }
           const std::lock_guard<std::mutex> lock(message_stream_mutex());
+          clear_progress_line();
           const std::string word = msg_severity_word(record.severity);
           if (!word.empty()) {
               stream << word;

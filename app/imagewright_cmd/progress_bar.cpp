@@ -1,10 +1,10 @@
 #include "progress_bar.h"
 
+#include "message_printer.h"
 #include "progress.h"
 
 #include <chrono>
 #include <cstdio>
-#include <string>
 #include <unistd.h>
 
 namespace
@@ -14,19 +14,39 @@ constexpr std::chrono::milliseconds REDRAW_INTERVAL{100};
 constexpr unsigned CELLS = 30;
 constexpr const char* CLEAR_LINE = "\r\x1b[K";
 
-std::string bar_text(const PROGRESS_SNAPSHOT& progress)
+/// Guarded by message_stream_mutex().
+bool line_is_drawn = false;
+
+std::string line_of_back_end()
 {
-    const unsigned filled = progress.percent * CELLS / 100;
-    const std::string percent = std::to_string(progress.percent);
-    return CLEAR_LINE + std::string("[") + std::string(filled, '#') + std::string(CELLS - filled, ' ') +
-           "] " + std::string(3 - percent.size(), ' ') + percent + "% " + progress.file;
+    const PROGRESS_SNAPSHOT progress = PROGRESS::instance().snapshot();
+    return progress.active ? progress_line(progress.percent, progress.file) : "";
 }
 
 } // namespace
 
-PROGRESS_BAR::PROGRESS_BAR(bool wanted)
+std::string progress_line(unsigned percent, const std::string& words)
+{
+    const unsigned filled = percent * CELLS / 100;
+    const std::string number = std::to_string(percent);
+    return "[" + std::string(filled, '#') + std::string(CELLS - filled, ' ') + "] " +
+           std::string(3 - number.size(), ' ') + number + "% " + words;
+}
+
+void clear_progress_line()
+{
+    if (line_is_drawn) {
+        std::fputs(CLEAR_LINE, stderr);
+        line_is_drawn = false;
+    }
+}
+
+PROGRESS_BAR::PROGRESS_BAR(bool wanted) : PROGRESS_BAR(wanted, line_of_back_end) {}
+
+PROGRESS_BAR::PROGRESS_BAR(bool wanted, LINE line) : m_line(std::move(line))
 {
     if (wanted && ::isatty(STDERR_FILENO) != 0) {
+        draw();
         m_thread = std::thread(&PROGRESS_BAR::draw_until_done, this);
     }
 }
@@ -42,16 +62,26 @@ PROGRESS_BAR::~PROGRESS_BAR()
     }
     m_wake.notify_one();
     m_thread.join();
-    std::fputs(CLEAR_LINE, stderr);
+    const std::lock_guard<std::mutex> lock(message_stream_mutex());
+    clear_progress_line();
 }
 
 void PROGRESS_BAR::draw_until_done()
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     while (!m_wake.wait_for(lock, REDRAW_INTERVAL, [this] { return m_done; })) {
-        const PROGRESS_SNAPSHOT progress = PROGRESS::instance().snapshot();
-        if (progress.active) {
-            std::fputs(bar_text(progress).c_str(), stderr);
-        }
+        draw();
     }
+}
+
+void PROGRESS_BAR::draw()
+{
+    const std::string line = m_line();
+    const std::lock_guard<std::mutex> lock(message_stream_mutex());
+    if (line.empty() || (line_is_drawn && line == m_drawn)) {
+        return;
+    }
+    std::fputs((CLEAR_LINE + line).c_str(), stderr);
+    line_is_drawn = true;
+    m_drawn = line;
 }
