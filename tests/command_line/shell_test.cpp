@@ -125,6 +125,13 @@ TEST(manual, is_sound_and_tells_every_command_and_option)
     }
 }
 
+TEST(manual, of_the_window_is_sound)
+{
+    const CHILD_RESULT lint = run_program(
+        {"mandoc", "-T", "lint", "-W", "warning", IMAGEWRIGHT_SOURCE_DIR "/docs/man/imagewright.1"});
+    EXPECT_EQ(lint.exit_code, 0) << lint.out;
+}
+
 TEST(pages, the_roadmap_has_a_reason_for_every_type_that_is_switched_off)
 {
     const std::string page = read_text_file(IMAGEWRIGHT_SOURCE_DIR "/docs/roadmap.md");

@@ -64,8 +64,8 @@ TEST(installation, gives_a_program_that_runs_with_its_manual_page_and_completion
     EXPECT_EQ(version.exit_code, 0) << version.err;
     EXPECT_EQ(version.out, tool({"--version"}).out);
     make_examples(directory / "examples");
-    const CHILD_RESULT checked =
-        run_program({directory / "bin/imagewright-cmd", "check", "active_serial.vek"}, directory / "examples");
+    const CHILD_RESULT checked = run_program(
+        {directory / "bin/imagewright-cmd", "check", "active_serial.vek"}, directory / "examples");
     EXPECT_EQ(checked.exit_code, 0) << checked.err;
     const CHILD_RESULT libraries = run_program({"ldd", directory / "bin/imagewright-cmd"});
     EXPECT_THAT(libraries.out, HasSubstr(std::filesystem::canonical(directory.path()).string()));
