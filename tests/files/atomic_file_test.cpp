@@ -389,6 +389,17 @@ TEST_P(ATOMIC, a_small_disk_that_fills_up_keeps_the_old_file_alone)
     EXPECT_EQ(answer, "kept");
 }
 
+TEST(sweep, leaves_the_files_of_other_users)
+{
+    const TEMPORARY_DIRECTORY directory;
+    const std::string path = directory / ".top.rbf.imagewright-0123456789abcdef.tmp";
+    write_file(path, std::string("x"));
+    // Where the test may not give a file away, there is none of another user to be met.
+    const bool is_foreign = chown(path.c_str(), 65534, 65534) == 0;
+    ATOMIC_FILE::sweep_stale_files(directory.path());
+    EXPECT_EQ(fs::exists(path), is_foreign);
+}
+
 TEST(sweep, takes_only_names_of_its_own_kind)
 {
     const TEMPORARY_DIRECTORY directory;

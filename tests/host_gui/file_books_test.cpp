@@ -11,6 +11,7 @@
 #include <QTest>
 #include <QUrl>
 
+#include <functional>
 #include <unistd.h>
 
 namespace
@@ -18,8 +19,9 @@ namespace
 class FILE_BOOKS_TEST : public FRAME_FIXTURE
 {
 protected:
-    /// Whether the window takes a drop of these files; the drop is delivered when it does.
-    bool drop(QWidget& window, const QStringList& paths)
+    /// Whether the window takes a drop of these files; the drop is delivered when it does, and `meanwhile`
+    /// happens before the window comes to it.
+    bool drop(QWidget& window, const QStringList& paths, const std::function<void()>& meanwhile = {})
     {
         QMimeData data;
         QList<QUrl> urls;
@@ -33,6 +35,9 @@ protected:
         if (enter.isAccepted()) {
             QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
             QCoreApplication::sendEvent(&window, &event);
+            if (meanwhile) {
+                meanwhile();
+            }
             QCoreApplication::processEvents();
         }
         return enter.isAccepted();
@@ -247,6 +252,14 @@ TEST_F(FILE_BOOKS_TEST, a_drop_is_refused_while_a_dialog_is_open)
     dialog.hide();
     EXPECT_TRUE(drop(frame, {path}));
     EXPECT_EQ(frame.m_opened, QStringList{path});
+}
+
+TEST_F(FILE_BOOKS_TEST, a_drop_is_forgotten_when_a_background_task_starts_before_its_turn)
+{
+    NOTING_FRAME frame;
+    EXPECT_TRUE(drop(frame, {make_file("a.vek")},
+                     [&frame] { entry(frame, MOK_MENU_FILE, MOK_FILE_OPEN)->setEnabled(false); }));
+    EXPECT_TRUE(frame.m_opened.isEmpty());
 }
 
 TEST_F(FILE_BOOKS_TEST, a_drop_of_anything_else_is_refused)

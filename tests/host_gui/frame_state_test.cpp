@@ -98,6 +98,26 @@ TEST_F(FRAME_STATE_TEST, a_main_window_has_five_toolbars_from_the_start)
     EXPECT_EQ(frame.get_toolbar("Unheard of"), nullptr);
 }
 
+TEST_F(FRAME_STATE_TEST, a_toolbar_has_exactly_the_actions_that_it_was_given_last)
+{
+    MOK_FRAME_WND frame(nullptr, MOK_FW_STATE_MAIN);
+    const QPointer<QToolBar> toolbar = frame.get_toolbar("File");
+    const QList<QAction*> one{entry(frame, MOK_MENU_FILE, MOK_FILE_SAVE)};
+    frame.update_toolbar("File", one);
+    EXPECT_EQ(frame.get_toolbar("File"), toolbar);
+    EXPECT_EQ(toolbar->actions(), one);
+}
+
+TEST_F(FRAME_STATE_TEST, a_new_window_is_not_larger_than_its_screen)
+{
+    MOK_FRAME_WND frame(nullptr, MOK_FW_STATE_MAIN);
+    const QSize room = frame.screen()->availableSize();
+    frame.resize(room * 2);
+    frame.show();
+    EXPECT_LE(frame.width(), room.width());
+    EXPECT_LE(frame.height(), room.height());
+}
+
 TEST_F(FRAME_STATE_TEST, a_toolbar_can_be_emptied_of_separators_and_deleted)
 {
     MOK_FRAME_WND frame(nullptr, MOK_FW_STATE_MAIN);
@@ -126,6 +146,7 @@ TEST_F(FRAME_STATE_TEST, a_toolbar_can_be_emptied_of_separators_and_deleted)
     EXPECT_FALSE(entry(frame, MOK_MENU_VIEW, MOK_VIEW_STANDARD_TOOLBAR)->isEnabled());
     EXPECT_TRUE(entry(frame, MOK_MENU_VIEW, MOK_VIEW_FILE_TOOLBAR)->isEnabled());
     EXPECT_FALSE(entry(frame, MOK_MENU_VIEW, MOK_VIEW_FILE_TOOLBAR)->isChecked());
+    EXPECT_TRUE(entry(frame, MOK_MENU_VIEW, MOK_VIEW_UTILITY_TOOLBAR)->isChecked());
     entry(frame, MOK_MENU_VIEW, MOK_VIEW_FILE_TOOLBAR)->trigger();
     EXPECT_FALSE(frame.get_toolbar("File")->isHidden());
 }

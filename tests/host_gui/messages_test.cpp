@@ -335,12 +335,24 @@ TEST_F(MESSAGES_TEST, a_question_of_the_gui_thread_is_a_modal_box_that_defaults_
     EXPECT_EQ(answers.boxes()[0].default_button, QMessageBox::No);
 }
 
+TEST_F(MESSAGES_TEST, a_question_shows_a_file_name_that_looks_like_markup_as_it_is)
+{
+    MODAL_ANSWERS answers;
+    answers.run([](QDialog& dialog) {
+        EXPECT_EQ(dynamic_cast<QMessageBox&>(dialog).textFormat(), Qt::PlainText);
+        dialog.reject();
+    });
+    EXPECT_EQ(MSG_SERVICE::instance().ask(question_record()), 7);
+}
+
 TEST_F(MESSAGES_TEST, questions_of_workers_are_put_on_the_gui_thread_one_at_a_time)
 {
     MODAL_ANSWERS answers;
     for (int i = 0; i < 3; ++i) {
         answers.run([](QDialog& dialog) {
-            // Another question waits meanwhile; it must not come on top of this one.
+            // The other questions wait meanwhile; they must not come on top of this one.
+            const auto have_all_asked = [] { return MSG_SERVICE::instance().history().size() == 3; };
+            EXPECT_TRUE(QTest::qWaitFor(have_all_asked, 30000));
             QCoreApplication::processEvents();
             EXPECT_EQ(QApplication::activeModalWidget(), &dialog);
             EXPECT_EQ(QThread::currentThread(), QCoreApplication::instance()->thread());

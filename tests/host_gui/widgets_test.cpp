@@ -251,8 +251,26 @@ TEST_F(FILE_DIALOG_TEST, a_document_saved_with_another_extension_replaces_no_fil
         EXPECT_EQ(dialog.selectedFiles(), QStringList{path.chopped(4) + ".txt"})
             << "whoever saves exchanges it";
     }
+    {
+        MODAL_ANSWERS answers;
+        answers.run(type(path.chopped(5) + "new.txt"));
+        EXPECT_EQ(dialog.exec(), QDialog::Accepted);
+        EXPECT_TRUE(answers.boxes().isEmpty()) << "nothing is replaced";
+    }
     MODAL_ANSWERS answers;
     answers.run([](QDialog& shown) { shown.reject(); });
+    EXPECT_EQ(dialog.exec(), QDialog::Rejected);
+}
+
+TEST_F(FILE_DIALOG_TEST, a_dialog_about_no_document_has_no_checkbox)
+{
+    NIVO_NATIVE_FILE_DLG dialog;
+    dialog.enable_checkbox(true);
+    MODAL_ANSWERS answers;
+    answers.run([](QDialog& shown) {
+        EXPECT_EQ(shown.findChild<QCheckBox*>("remember_checkbox"), nullptr);
+        shown.reject();
+    });
     EXPECT_EQ(dialog.exec(), QDialog::Rejected);
 }
 
@@ -294,6 +312,12 @@ TEST(HEX_EDIT_TEST, a_number_gets_its_full_form_when_the_edit_is_left_or_return_
     QTest::keyClicks(&first, "0XaB");
     second.setFocus();
     EXPECT_EQ(first.text(), "0x00AB");
+
+    first.setFocus();
+    first.selectAll();
+    QTest::keyClicks(&first, "0x");
+    second.setFocus();
+    EXPECT_EQ(first.text(), "") << "a prefix alone is no number";
 }
 
 TEST(HEX_EDIT_TEST, a_text_that_is_set_stands_as_it_is)
