@@ -178,4 +178,5 @@ def main():
     return 1 if report.missed else 0
 
 
-sys.exit(main())
+if __name__ == "__main__":
+    sys.exit(main())

@@ -3,16 +3,19 @@
 // Writes OUTPUT in the format (rbf, ttf, hex, svf, jam, jbc, rpd, pof) as a generation does: to a temporary
 // file that is renamed, and with --verify read back before that. Several inputs are laid one behind the other
 // into a flash image, with the checksum of each, and the map is written beside the output. With --stream the
-// input is a bitstream file, of which the configuration stream is built first; "format_tool pack OUTPUT
-// INPUT" makes one.
+// input is a bitstream file, of which the configuration stream is built first, with --lz4 compressed;
+// "format_tool pack OUTPUT INPUT" makes one, and "format_tool lz4 OUTPUT INPUT" writes compressed frames
+// alone, each behind its length.
 
 #include "atomic_file.h"
 #include "configuration_stream.h"
 #include "flash_image.h"
 #include "format_registry.h"
+#include "frame_compressor.h"
 #include "pack.h"
 #include "region_checksums.h"
 
+#include <array>
 #include <cstring>
 #include <iostream>
 #include <map>
@@ -36,6 +39,7 @@ bool produce(const FORMAT& format, const FORMAT_REQUEST& request, const std::str
 struct SWITCHES {
     bool verify = false;
     bool stream = false;
+    bool lz4 = false;
 };
 
 bool pack(const std::string& input, const std::string& output, std::string& message)
@@ -47,6 +51,25 @@ bool pack(const std::string& input, const std::string& output, std::string& mess
     return pack_bitstream(request, message);
 }
 
+bool compress(const std::string& input, const std::string& output, std::string& message)
+{
+    const std::shared_ptr<FILE_SOURCE> source = FILE_SOURCE::open(input, message);
+    const std::unique_ptr<ATOMIC_FILE> file = source ? ATOMIC_FILE::create(output, 0644, message) : nullptr;
+    if (!file)
+        return false;
+    FRAME_COMPRESSOR compressor(*source, STREAM_METHOD::LZ4);
+    FRAME_BLOCK block;
+    while (compressor.next(block, message)) {
+        const auto length = static_cast<std::uint32_t>(block.stored().size());
+        const std::array<std::uint8_t, 4> bytes = {
+            static_cast<std::uint8_t>(length), static_cast<std::uint8_t>(length >> 8),
+            static_cast<std::uint8_t>(length >> 16), static_cast<std::uint8_t>(length >> 24)};
+        if (!file->write(bytes, message) || !file->write(block.stored(), message))
+            return false;
+    }
+    return compressor.at_end() && file->commit(message);
+}
+
 bool run(const FORMAT_ROW& row, const std::vector<std::string>& paths, FORMAT_REQUEST& request,
          const SWITCHES& switches, std::string& message)
 {
@@ -55,6 +78,7 @@ bool run(const FORMAT_ROW& row, const std::vector<std::string>& paths, FORMAT_RE
     if (switches.stream) {
         STREAM_INPUT input;
         input.path = paths[1];
+        input.compression = switches.lz4;
         const auto stream = build_configuration_stream({input}, ".", message);
         request.image = stream.get();
         return stream && produce(*row.format, request, paths.front(), switches.verify, message);
@@ -119,20 +143,24 @@ int main(int argc, char** argv)
             request.bitswap = true;
         else if (std::strcmp(argv[i], "--stream") == 0)
             switches.stream = true;
+        else if (std::strcmp(argv[i], "--lz4") == 0)
+            switches.lz4 = true;
         else
             words.emplace_back(argv[i]);
     }
     const bool packs = words.size() == 3 && words[0] == "pack";
-    if (words.size() < 3 || (!packs && !types.contains(words[0]))) {
+    const bool compresses = words.size() == 3 && words[0] == "lz4";
+    if (words.size() < 3 || (!packs && !compresses && !types.contains(words[0]))) {
         std::cerr << "usage: format_tool rbf|ttf|hex|svf|jam|jbc|rpd|pof OUTPUT INPUT... [--verify] "
-                     "[--bitswap] [--stream]\n       format_tool pack OUTPUT INPUT\n";
+                     "[--bitswap] [--stream] [--lz4]\n       format_tool pack|lz4 OUTPUT INPUT\n";
         return 2;
     }
     const std::string word = words[0];
     words.erase(words.begin());
     std::string message;
-    if (packs ? pack(words[1], words[0], message)
-              : run(*find_format_row(types.at(word)), words, request, switches, message))
+    if (packs        ? pack(words[1], words[0], message)
+        : compresses ? compress(words[1], words[0], message)
+                     : run(*find_format_row(types.at(word)), words, request, switches, message))
         return 0;
     std::cerr << message << '\n';
     return 1;
