@@ -19,12 +19,15 @@ public:
 
     /// One cycle of TCK. The value of TDO before the rising edge.
     bool clock(bool tms, bool tdi);
+    /// What stands on TDO now.
+    bool tdo() const;
     /// Time passes in the state in which the device is.
     void pass(double seconds) { m_waited += seconds; }
 
     std::vector<std::uint8_t> stream; ///< what it has been sent; also what it gives when it is read
     std::size_t expected_size = 0;    ///< bytes of a complete stream
     bool refuses_streams = false;     ///< reports an error instead of success
+    bool watches_time = true;         ///< complains when it is not waited for
     bool in_operation = false;        ///< started after a complete stream
     unsigned erasures = 0;
     std::vector<std::string> complaints; ///< what a real device would not have forgiven
