@@ -91,6 +91,18 @@ TEST_F(INSTALLATION, generates_an_example_and_opens_it_in_the_window)
     EXPECT_GT(fs::file_size(m_directory / "window.png"), 5000U);
 }
 
+TEST(built_programs, take_no_library_out_of_the_directory_they_are_run_in)
+{
+    TEMPORARY_DIRECTORY directory;
+    for (const char* library : {"liblz4.so.1", "libzstd.so.1", "libdeflate.so.0", "libQt5Widgets.so.5"}) {
+        write_file(directory / library, "no library");
+    }
+    for (const char* program : {"imagewright-cmd", "imagewright"}) {
+        const CHILD_RESULT result = run_program({built_program(program), "--version"}, directory.path());
+        EXPECT_EQ(result.exit_code, 0) << result.err;
+    }
+}
+
 TEST_F(INSTALLATION, a_window_without_its_module_says_so)
 {
     fs::remove(path("lib/imagewright/libpgm_vek.so"));
