@@ -262,6 +262,15 @@ TEST_F(FILE_BOOKS_TEST, a_drop_is_forgotten_when_a_background_task_starts_before
     EXPECT_TRUE(frame.m_opened.isEmpty());
 }
 
+TEST_F(FILE_BOOKS_TEST, a_drop_is_forgotten_when_a_dialog_opens_before_its_turn)
+{
+    NOTING_FRAME frame;
+    QDialog dialog(&frame);
+    dialog.setModal(true);
+    EXPECT_TRUE(drop(frame, {make_file("a.vek")}, [&dialog] { dialog.show(); }));
+    EXPECT_TRUE(frame.m_opened.isEmpty());
+}
+
 TEST_F(FILE_BOOKS_TEST, a_drop_of_anything_else_is_refused)
 {
     NOTING_FRAME frame;

@@ -348,14 +348,17 @@ TEST_F(MESSAGES_TEST, a_question_shows_a_file_name_that_looks_like_markup_as_it_
 TEST_F(MESSAGES_TEST, questions_of_workers_are_put_on_the_gui_thread_one_at_a_time)
 {
     MODAL_ANSWERS answers;
+    int open = 0;
     for (int i = 0; i < 3; ++i) {
-        answers.run([](QDialog& dialog) {
+        answers.run([&open](QDialog& dialog) {
+            EXPECT_EQ(++open, 1);
             // The other questions wait meanwhile; they must not come on top of this one.
             const auto have_all_asked = [] { return MSG_SERVICE::instance().history().size() == 3; };
             EXPECT_TRUE(QTest::qWaitFor(have_all_asked, 30000));
             QCoreApplication::processEvents();
             EXPECT_EQ(QApplication::activeModalWidget(), &dialog);
             EXPECT_EQ(QThread::currentThread(), QCoreApplication::instance()->thread());
+            --open;
             dynamic_cast<QMessageBox&>(dialog).button(QMessageBox::Yes)->click();
         });
     }
