@@ -1,6 +1,7 @@
 #ifndef IMAGEWRIGHT_TESTS_SOF_PROPERTIES_FIXTURE_H
 #define IMAGEWRIGHT_TESTS_SOF_PROPERTIES_FIXTURE_H
 
+#include "nivo_screen_room.h"
 #include "pgm_device.h"
 #include "vek_db_double.h"
 #include "vek_dlg_sof_properties.h"
@@ -18,7 +19,13 @@ protected:
     using PARAM = PGM_COMMON_XML_VEK_CMD_PARAM_ENUM;
     using DIALOG = std::unique_ptr<VEK_DLG_SOF_PROPERTIES>;
 
-    ~SOF_PROPERTIES_FIXTURE() override { vek_db_double() = {}; }
+    /// On a screen that has room for every dialog.
+    SOF_PROPERTIES_FIXTURE() { nivo_override_screen_room(QSize(4000, 4000)); }
+    ~SOF_PROPERTIES_FIXTURE() override
+    {
+        nivo_override_screen_room(QSize());
+        vek_db_double() = {};
+    }
 
     static const PGM_DEVICE* device_of(DEV_FAMILY_ENUM family);
     /// DEV_FAMILY_NONE for raw data.

@@ -1,7 +1,6 @@
 #include "cfg.h"
 #include "gen_legal_text.h"
 #include "nivo_icon.h"
-#include "nivo_screen_room.h"
 #include "pgm_common_ini.h"
 #include "sof_properties_fixture.h"
 #include "vek_file_edit.h"
@@ -97,7 +96,6 @@ TEST_F(SOF_PROPERTIES_RULES, on_a_small_screen_the_properties_scroll_over_the_bu
 {
     nivo_override_screen_room(QSize(1024, 600));
     const DIALOG dialog = make(DEV_FAMILY_GRANITE, FIO_SOF_FILE);
-    nivo_override_screen_room(QSize());
     dialog->show();
     EXPECT_EQ(dialog->height(), 600);
     EXPECT_EQ(dialog->layout()->sizeConstraint(), QLayout::SetFixedSize);
