@@ -1,12 +1,11 @@
 #include "stream_reader.h"
 
 #include "firmware_archive.h"
+#include "frame_decoder.h"
 #include "little_endian.h"
 #include "stream_packets.h"
 
 #include <botan/hash.h>
-#include <lz4.h>
-#include <zstd.h>
 
 #include <algorithm>
 #include <memory>
@@ -14,17 +13,13 @@
 namespace
 {
 
-struct FREE_ZSTD {
-    void operator()(ZSTD_DCtx* context) const { ZSTD_freeDCtx(context); }
-};
-
 /// The walk over one stream. Every step returns false with the reason of a fault at m_offset.
 class STREAM_WALK
 {
 public:
     STREAM_WALK(const BYTE_SOURCE& bytes, STREAM_FACTS& facts, STREAM_DATA_SINK* data)
         : m_bytes(bytes), m_facts(facts), m_data(data),
-          m_hash(Botan::HashFunction::create_or_throw("SHA-256")), m_zstd(ZSTD_createDCtx())
+          m_hash(Botan::HashFunction::create_or_throw("SHA-256"))
     {
     }
 
@@ -77,8 +72,6 @@ private:
     bool take_signature(std::string& reason);
     bool take_end(std::string& reason);
     bool finish_image(std::string& reason);
-    bool decode(STREAM_METHOD method, std::span<const std::uint8_t> stored, std::size_t length,
-                std::string& reason);
 
     std::span<const std::uint8_t> payload() const
     {
@@ -89,7 +82,7 @@ private:
     STREAM_FACTS& m_facts;
     STREAM_DATA_SINK* m_data;
     std::unique_ptr<Botan::HashFunction> m_hash;
-    std::unique_ptr<ZSTD_DCtx, FREE_ZSTD> m_zstd;
+    FRAME_DECODER m_decoder;
     std::uint64_t m_offset = 0; ///< of the packet in work
     bool m_failed_outside = false;
     std::uint64_t m_end = 0; ///< of what has been read
@@ -327,33 +320,6 @@ bool STREAM_WALK::take_signature(std::string& reason)
     return true;
 }
 
-bool STREAM_WALK::decode(STREAM_METHOD method, std::span<const std::uint8_t> stored, std::size_t length,
-                         std::string& reason)
-{
-    m_plain.resize(length);
-    bool good = false;
-    switch (method) {
-    case STREAM_METHOD::PLAIN:
-        good = stored.size() == length;
-        if (good)
-            std::copy(stored.begin(), stored.end(), m_plain.begin());
-        break;
-    case STREAM_METHOD::LZ4:
-        good = LZ4_decompress_safe(reinterpret_cast<const char*>(stored.data()),
-                                   reinterpret_cast<char*>(m_plain.data()), static_cast<int>(stored.size()),
-                                   static_cast<int>(length)) == static_cast<int>(length);
-        break;
-    case STREAM_METHOD::ZSTD:
-        good =
-            ZSTD_decompressDCtx(m_zstd.get(), m_plain.data(), length, stored.data(), stored.size()) == length;
-        break;
-    }
-    if (!good)
-        reason = "the " + stream_method_name(method) + " frames do not decode to " + std::to_string(length) +
-                 " bytes";
-    return good;
-}
-
 bool STREAM_WALK::take_frames(std::string& reason)
 {
     RECORD_READER reader(payload());
@@ -418,7 +384,7 @@ bool STREAM_WALK::take_plain_frames(STREAM_METHOD method, std::size_t part,
                                     std::span<const std::uint8_t> stored, std::size_t length,
                                     std::string& reason)
 {
-    if (!decode(method, stored, length, reason))
+    if (!m_decoder.decode(method, stored, length, m_plain, reason))
         return false;
     if (m_firmware_hash && static_cast<STREAM_PART>(part) == STREAM_PART::FIRMWARE)
         m_firmware_hash->update(m_plain.data(), m_plain.size());
@@ -473,34 +439,6 @@ bool STREAM_WALK::take_end(std::string& reason)
 }
 
 } // namespace
-
-std::string stream_part_name(STREAM_PART part)
-{
-    switch (part) {
-    case STREAM_PART::PERIPHERY:
-        return "periphery data";
-    case STREAM_PART::CORE:
-        return "core data";
-    case STREAM_PART::FIRMWARE:
-        return "firmware";
-    case STREAM_PART::BOOTLOADER:
-        return "bootloader";
-    }
-    return {};
-}
-
-std::string stream_method_name(STREAM_METHOD method)
-{
-    switch (method) {
-    case STREAM_METHOD::PLAIN:
-        return "plain";
-    case STREAM_METHOD::LZ4:
-        return "LZ4";
-    case STREAM_METHOD::ZSTD:
-        return "Zstandard";
-    }
-    return {};
-}
 
 bool is_configuration_stream(const BYTE_SOURCE& bytes)
 {
