@@ -30,8 +30,9 @@ TEST(help, lists_every_command_with_examples_and_exit_codes)
 {
     const ANSWER answer = run({"--help"});
     EXPECT_EQ(answer.exit_code, EXIT_CODE_DONE);
-    for (const std::string command : {"generate", "convert", "check", "show", "edit", "verify", "map",
-                                      "inspect", "pack", "sample", "key", "firmware", "finalize", "list", "completion"}) {
+    for (const std::string command :
+         {"generate", "convert", "check", "show", "edit", "verify", "map", "inspect", "pack", "sample", "key",
+          "firmware", "finalize", "list", "completion"}) {
         EXPECT_THAT(answer.out, HasSubstr("\n  " + command + " "));
         const ANSWER help = run({command, "--help"});
         EXPECT_EQ(help.exit_code, EXIT_CODE_DONE);
@@ -300,8 +301,9 @@ TEST_F(SETUP, texts_of_hostile_files_do_not_steer_the_terminal)
 TEST(command_line_page, names_every_command_and_exit_code)
 {
     const std::string page = read_text_file(IMAGEWRIGHT_SOURCE_DIR "/docs/command-line.md");
-    for (const std::string command : {"generate", "convert", "check", "show", "edit", "verify", "map",
-                                      "inspect", "pack", "sample", "key", "firmware", "finalize", "list", "completion"}) {
+    for (const std::string command :
+         {"generate", "convert", "check", "show", "edit", "verify", "map", "inspect", "pack", "sample", "key",
+          "firmware", "finalize", "list", "completion"}) {
         EXPECT_THAT(page, HasSubstr("| `" + command + " "));
     }
     for (const std::string code : {"| 0 |", "| 1 |", "| 2 |", "| 3 |", "| 4 |"}) {

@@ -84,6 +84,25 @@ std::string BOARD::signed_stream() const
     return path("signed.rbf");
 }
 
+std::string BOARD::update_stream() const
+{
+    const ANSWER answer =
+        run({"convert", bitstream("update.sof", "ZR9A012", "LNKSX8"), "-o", path("update.rbf"), "--option",
+             "path_rsu_upgrade=1", "--option", "path_rsu_version=7"});
+    EXPECT_EQ(answer.exit_code, EXIT_CODE_DONE) << answer.err;
+    return path("update.rbf");
+}
+
+std::string BOARD::prepared_stream() const
+{
+    const ANSWER answer =
+        run({"convert", bitstream("prepared.sof", "ZR9A012", "LNKSX8", 70000, {"--encryption"}), "-o",
+             path("prepared.rbf"), "--option", "path_signing=ON", "--option", "path_finalize_encryption=1",
+             "--option", "path_finalize_encryption_later=1"});
+    EXPECT_EQ(answer.exit_code, EXIT_CODE_DONE) << answer.err;
+    return path("prepared.rbf");
+}
+
 std::string BOARD::flash_setup() const
 {
     std::filesystem::create_directory(path("out"));

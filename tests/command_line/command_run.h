@@ -39,6 +39,10 @@ public:
     /// The raw files of an encrypted bitstream and of a signed one. Their paths.
     std::string encrypted_stream() const;
     std::string signed_stream() const;
+    /// An RBF file of an update image with a version.
+    std::string update_stream() const;
+    /// An RBF file whose encryption is to be completed.
+    std::string prepared_stream() const;
 
     /// Active serial: two bitstreams and a raw file, the smallest partitions far below a pixel, gaps between;
     /// POF with MAP and SEC_RPD, JIC, RPD under the directory "out".
