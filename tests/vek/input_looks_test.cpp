@@ -3,8 +3,10 @@
 #include "vek_key_entry_edit.h"
 #include "window_looks_fixture.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QDialogButtonBox>
+#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTest>
@@ -128,6 +130,14 @@ TEST_F(INPUT_LOOKS, the_key_row_and_the_dialog_for_a_key)
         EXPECT_EQ(key_row(dialog).get_key(), QStringLiteral("board_of_the_first_series"));
         EXPECT_EQ(part<QComboBox>(key_row(dialog), "m_key_combo").currentText(),
                   QStringLiteral("board_of_the_first_series (%1)").arg(key));
+        auto& keys = part<QComboBox>(key_row(dialog), "m_key_combo");
+        keys.showPopup();
+        QWidget& list = *keys.view()->window();
+        EXPECT_GE(list.width(), std::min(keys.fontMetrics().horizontalAdvance(keys.currentText()),
+                                         QGuiApplication::primaryScreen()->availableSize().width()))
+            << "as wide as its longest row, or as the screen";
+        look(list, "key_list");
+        keys.hidePopup();
         USER_HANDS::click(part<QToolButton>(key_row(dialog), "m_show_button"));
         look(dialog, "key_row");
     });

@@ -8,7 +8,11 @@
 #include <QDir>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMenuBar>
 #include <QStyle>
+#include <QTabBar>
+
+#include <set>
 
 /// Whether all texts of window and dialogs can be read on a small screen. With IMAGEWRIGHT_PICTURES=DIR in
 /// the environment each is drawn into DIR as well, with IMAGEWRIGHT_DARK=1 in dark colours.
@@ -47,6 +51,8 @@ protected:
                 look_at(*widget);
             }
         }
+        const std::string mnemonics = mnemonics_of(window);
+        EXPECT_EQ(std::set<char>(mnemonics.begin(), mnemonics.end()).size(), mnemonics.size()) << mnemonics;
         const QString directory = qEnvironmentVariable("IMAGEWRIGHT_PICTURES");
         if (!directory.isEmpty()) {
             EXPECT_TRUE(window.grab().save(QDir(directory).filePath(QString::fromStdString(name) + ".png")));
@@ -62,6 +68,37 @@ protected:
     }
 
 private:
+    /// The letters that work with the Alt key.
+    static std::string mnemonics_of(const QWidget& window)
+    {
+        QStringList texts;
+        for (const QWidget* const widget : window.findChildren<QWidget*>()) {
+            if (!widget->isVisibleTo(&window)) {
+                continue;
+            }
+            if (const auto* const button = qobject_cast<const QAbstractButton*>(widget)) {
+                texts << button->text();
+            } else if (const auto* const label = qobject_cast<const QLabel*>(widget)) {
+                texts << (label->buddy() != nullptr ? label->text() : QString());
+            } else if (const auto* const bar = qobject_cast<const QTabBar*>(widget)) {
+                for (int tab = 0; tab < bar->count(); ++tab) {
+                    texts << bar->tabText(tab);
+                }
+            } else if (const auto* const menus = qobject_cast<const QMenuBar*>(widget)) {
+                for (const QAction* const action : menus->actions()) {
+                    texts << action->text();
+                }
+            }
+        }
+        std::string letters;
+        for (const QString& text : texts) {
+            const QKeySequence sequence = QKeySequence::mnemonic(text);
+            if (!sequence.isEmpty()) {
+                letters += sequence.toString().back().toLatin1();
+            }
+        }
+        return letters;
+    }
     static QPalette dark_palette()
     {
         QPalette palette(QColor(53, 53, 53), QColor(35, 35, 35));
