@@ -268,6 +268,18 @@ void MOK_FRAME_WND::set_current_file(const QString& path)
     emit current_file_changed(m_current_file);
 }
 
+void MOK_FRAME_WND::forget_file()
+{
+    if (m_current_file.isEmpty()) {
+        return;
+    }
+    m_current_file.clear();
+    setWindowModified(false);
+    update_title();
+    MOK_MENU_BUILDER::update(*this);
+    emit current_file_changed(m_current_file);
+}
+
 void MOK_FRAME_WND::set_modified(bool modified)
 {
     setWindowModified(modified);
@@ -297,7 +309,8 @@ bool MOK_FRAME_WND::open_and_remember(const QString& path)
 
 bool MOK_FRAME_WND::reload_file()
 {
-    return can_open() && !m_current_file.isEmpty() && open_file(m_current_file, 0, 0, 0, true, true);
+    const QString path = m_current_file; // which opening may forget for a while
+    return can_open() && !path.isEmpty() && open_file(path, 0, 0, 0, true, true);
 }
 
 QList<MOK_FRAME_WND*> MOK_FRAME_WND::get_frames()

@@ -79,6 +79,9 @@ public:
 
     /// Full path of the file in the window, empty while there is none.
     const QString& get_current_file() const { return m_current_file; }
+    /// What is in the window is new and no longer that file: saving asks for a name, and the file can be
+    /// opened again.
+    void forget_file();
     /// Marks the title; the window's own bookkeeping clears the mark when a file is opened or saved.
     void set_modified(bool modified);
     /// Opens a file that may be open already, as a recent or a dropped one: find_open_file, else the long

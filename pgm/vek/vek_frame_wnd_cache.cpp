@@ -61,6 +61,13 @@ std::shared_ptr<PGM_COMMON_XML_VEK_VEK> VEK_FRAME_WND::create_document()
     return std::make_shared<PGM_COMMON_XML_VEK_VEK>(PGM_COMMON_XML_ENUM_VEK);
 }
 
+/// An empty document, which must not be saved over the file that was in the window before.
+void VEK_FRAME_WND::start_new_setup()
+{
+    m_vek = create_document();
+    forget_file();
+}
+
 void VEK_FRAME_WND::reset_cache()
 {
     VEK_FRAME_WND_CACHE fresh;
@@ -176,7 +183,7 @@ void VEK_FRAME_WND::set_mode(int index)
     const auto mode = static_cast<PGMIO_CONFIG_SCHEME>(value);
     const bool is_new_setup = is_config_mode_changed(true);
     if (is_new_setup) {
-        m_vek = create_document();
+        start_new_setup();
     }
     const bool success = VEK_FILE_ASSISTANT::set(
         m_vek.get(), VEK_CMD_OPT_SETTINGS,
@@ -260,7 +267,7 @@ void VEK_FRAME_WND::refresh()
 
 void VEK_FRAME_WND::reset()
 {
-    m_vek = create_document();
+    start_new_setup();
     populate_family_combo();
     repopulate_mode_combo();
     refresh();

@@ -66,6 +66,45 @@ TEST_F(FILE_BOOKS_TEST, a_file_that_is_not_to_be_remembered_is_not_listed)
     EXPECT_EQ(MOK_RECENT_FILES::get().size(), 1) << "only the one opening was asked not to be remembered";
 }
 
+TEST_F(FILE_BOOKS_TEST, a_forgotten_file_is_open_no_longer)
+{
+    NOTING_FRAME frame;
+    const QString path = make_file("a.vek");
+    ASSERT_TRUE(frame.open_file(path, 0, 0, 0, true, true));
+    frame.set_modified(true);
+    const QSignalSpy changes(&frame, SIGNAL(current_file_changed(QString)));
+    frame.forget_file();
+    frame.forget_file();
+    ASSERT_EQ(changes.count(), 1);
+    EXPECT_EQ(changes.at(0).at(0).toString(), "");
+    EXPECT_EQ(frame.get_current_file(), "");
+    EXPECT_EQ(frame.windowTitle(), "Imagewright[*]");
+    EXPECT_FALSE(frame.isWindowModified());
+    EXPECT_FALSE(entry(frame, MOK_MENU_FILE, MOK_FILE_COPY_PATH)->isEnabled());
+    EXPECT_FALSE(MOK_FRAME_WND::find_open_file(path, false));
+    EXPECT_FALSE(frame.reload_file());
+    EXPECT_EQ(MOK_RECENT_FILES::get(), QStringList{path});
+}
+
+TEST_F(FILE_BOOKS_TEST, a_file_that_forgets_itself_while_it_is_reloaded_comes_back)
+{
+    class FORGETFUL : public MOK_FRAME_WND
+    {
+    public:
+        FORGETFUL() : MOK_FRAME_WND(nullptr, MOK_FW_STATE_MAIN) {}
+        using MOK_FRAME_WND::open_file;
+        bool open_file(const QString& path) override
+        {
+            forget_file();
+            return MOK_FRAME_WND::open_file(path);
+        }
+    } frame;
+    const QString path = make_file("a.vek");
+    ASSERT_TRUE(frame.open_file(path, 0, 0, 0, true, true));
+    ASSERT_TRUE(frame.reload_file());
+    EXPECT_EQ(frame.get_current_file(), path);
+}
+
 TEST_F(FILE_BOOKS_TEST, a_file_that_does_not_load_changes_nothing)
 {
     NOTING_FRAME frame;

@@ -434,6 +434,48 @@ TEST_F(VEK_FRAME_SETUP_FILE, open_does_nothing_with_a_file_that_is_open_already)
     EXPECT_FALSE(other->isVisible());
 }
 
+TEST_F(VEK_FRAME_SETUP_FILE, a_new_setup_is_not_saved_over_the_file_of_the_one_before)
+{
+    write_file(m_directory / "setup.vek", std::string("x"));
+    const QString path = QString::fromStdString(m_directory / "setup.vek");
+    const auto frame = make_frame();
+    let_check_say(true, true, "");
+    let_save_say(true);
+    int parse_count = 0;
+    vek_util_double().get_family = [](const PGM_COMMON_XML_VEK_VEK*) { return DEV_FAMILY_ZIRCON; };
+    vek_util_double().parse = [&parse_count](PGM_COMMON_XML_VEK_VEK** opened, const std::string&) {
+        ++parse_count;
+        *opened = new PGM_COMMON_XML_VEK_VEK(PGM_COMMON_XML_ENUM_VEK);
+        set(**opened, VEK_CMD_OPT_SETTINGS, {{VEK_CMD_PARAM_SETTINGS_MODE, "LNKSX8"}});
+        return true;
+    };
+    const std::function<void()> ways_to_a_new_setup[] = {
+        [&frame] { choose_mode(*frame, PGMIO_CONFIG_SCHEME_AS_X4); },
+        [&frame] { choose_family(*frame, DEV_FAMILY_BASALT); },
+        [&frame] {
+            MODAL_ANSWERS answers;
+            answers.click(QMessageBox::Yes);
+            frame->user_reset();
+        },
+    };
+    int expected_count = 0;
+    for (const std::function<void()>& start_new_setup : ways_to_a_new_setup) {
+        NIVO_NATIVE_FILE_DLG::answer_next({path});
+        frame->on_open_action();
+        EXPECT_EQ(parse_count, ++expected_count) << "it can be opened again";
+        EXPECT_EQ(frame->get_current_file(), path);
+        choose_mode(*frame, PGMIO_CONFIG_SCHEME_LNKS_X16);
+        EXPECT_EQ(frame->get_current_file(), path) << "the setup is still the same";
+        start_new_setup();
+        EXPECT_EQ(frame->get_current_file(), QString());
+        EXPECT_EQ(frame->windowTitle(), QStringLiteral("Imagewright[*]"));
+        NIVO_NATIVE_FILE_DLG::reject_next();
+        frame->get_menu_record().get_entry(MOK_MENU_FILE, MOK_FILE_SAVE)->trigger();
+        EXPECT_EQ(NIVO_NATIVE_FILE_DLG::last_question().title, QStringLiteral("Save As"));
+    }
+    EXPECT_TRUE(m_saved_to.empty());
+}
+
 TEST_F(VEK_FRAME_SETUP_FILE, save_as_gives_the_file_the_extension_of_a_setup)
 {
     const auto frame = make_frame();

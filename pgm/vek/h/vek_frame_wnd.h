@@ -90,6 +90,7 @@ private:
     friend struct VEK_FRAME_WND_PROBE; ///< by which the tests see document and cache
 
     static std::shared_ptr<PGM_COMMON_XML_VEK_VEK> create_document();
+    void start_new_setup();
     void create_menus();
     void create_file_menu();
     void create_toolbars();
