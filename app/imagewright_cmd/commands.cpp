@@ -15,6 +15,7 @@ std::vector<std::unique_ptr<COMMAND>> make_commands()
     commands.push_back(make_cmd_sample());
     commands.push_back(make_cmd_key());
     commands.push_back(make_cmd_firmware());
+    commands.push_back(make_cmd_chain());
     commands.push_back(make_cmd_finalize());
     commands.push_back(make_cmd_list());
     commands.push_back(make_cmd_completion());

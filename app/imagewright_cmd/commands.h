@@ -14,6 +14,7 @@ std::unique_ptr<COMMAND> make_cmd_pack();
 std::unique_ptr<COMMAND> make_cmd_sample();
 std::unique_ptr<COMMAND> make_cmd_key();
 std::unique_ptr<COMMAND> make_cmd_firmware();
+std::unique_ptr<COMMAND> make_cmd_chain();
 std::unique_ptr<COMMAND> make_cmd_finalize();
 std::unique_ptr<COMMAND> make_cmd_inspect();
 std::unique_ptr<COMMAND> make_cmd_list();

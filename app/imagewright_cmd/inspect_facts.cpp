@@ -113,6 +113,10 @@ void add_protection(JSON& document, const STREAM_IMAGE_FACTS& image)
     if (image.signer) {
         document["signer"] = JSON{{"curve", ecdsa_curve_name(image.signer->curve)},
                                   {"public_key", digest_text(image.signer->point)}};
+        if (image.root) {
+            document["root"] = JSON{{"curve", ecdsa_curve_name(image.root->curve)},
+                                    {"public_key", digest_text(image.root->point)}};
+        }
     }
 }
 

@@ -149,6 +149,8 @@ std::vector<STREAM_RECORD> image_records(const STREAM_INPUT& input, const BITSTR
     }
     if (input.update)
         records.push_back({OPCODE_UPDATE_INFO, update_payload(*input.update)});
+    if (input.signer && !input.key_chain.empty())
+        records.push_back({OPCODE_KEY_CHAIN, input.key_chain});
     return records;
 }
 

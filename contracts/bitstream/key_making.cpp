@@ -5,6 +5,7 @@
 #include "bitstream_target.h"
 #include "dev_family_enum.h"
 #include "firmware_archive.h"
+#include "key_chain.h"
 #include "lock_file.h"
 #include "pgm_device.h"
 #include "same_file.h"
@@ -113,6 +114,31 @@ bool make_firmware_archive(const FIRMWARE_REQUEST& request, std::string& message
     }
     return write_firmware_archive(request.output_path, static_cast<std::uint32_t>(family), request.release,
                                   *firmware, *key.signer, message);
+}
+
+bool make_key_chain(const KEY_CHAIN_REQUEST& request, std::string& message)
+{
+    for (const std::string& input : {request.signer_path, request.key_path, request.password_file}) {
+        if (!input.empty() && same_file(input, request.output_path)) {
+            message = request.output_path + " is also an input; choose another name for the key chain.";
+            return false;
+        }
+    }
+    SECRET_BYTES password;
+    PEM_KEY signer;
+    PEM_KEY key;
+    KEY_CHAIN chain;
+    if (!load_password(request.password_file, password, message) ||
+        !load_pem_key(request.signer_path, request.password_file.empty() ? nullptr : &password, signer,
+                      message) ||
+        !load_pem_key(request.key_path, nullptr, key, message) ||
+        (!request.chain_path.empty() && !read_key_chain(request.chain_path, chain, message)))
+        return false;
+    if (!signer.signer) {
+        message = request.signer_path + " holds a public key alone; name the private key that is to sign.";
+        return false;
+    }
+    return extend_key_chain(chain, key.public_key, *signer.signer, request.output_path, message);
 }
 
 bool finalize_stream_file(const FINALIZATION_REQUEST& request, std::string& message)

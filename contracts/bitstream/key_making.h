@@ -36,6 +36,18 @@ struct FIRMWARE_REQUEST {
 /// Signs firmware as its maker and writes the archive.
 bool make_firmware_archive(const FIRMWARE_REQUEST& request, std::string& message);
 
+/// A public key to be signed by another key.
+struct KEY_CHAIN_REQUEST {
+    std::string signer_path;   ///< private key: the root key, or that of the last link of the chain
+    std::string key_path;      ///< public key, or a private one whose public half counts
+    std::string chain_path;    ///< chain to be extended; empty for a new one
+    std::string password_file; ///< of the private key that signs; empty for none
+    std::string output_path;
+};
+
+/// Signs the key and writes the chain.
+bool make_key_chain(const KEY_CHAIN_REQUEST& request, std::string& message);
+
 /// A stream to be encrypted and signed after it was generated without keys.
 struct FINALIZATION_REQUEST {
     std::string input_path;

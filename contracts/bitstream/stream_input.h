@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 struct STREAM_ENCRYPTION;
 class STREAM_SIGNER;
@@ -41,6 +42,7 @@ struct STREAM_INPUT {
     std::string firmware_path{}; ///< archive of co-signed firmware in place of the file's own; empty for none
     std::shared_ptr<const STREAM_ENCRYPTION> encryption{}; ///< null for none
     std::shared_ptr<const STREAM_SIGNER> signer{};         ///< null for no signature
+    std::vector<std::uint8_t> key_chain{}; ///< record of the chain that ends with the signer; empty for none
 };
 
 #endif

@@ -21,6 +21,7 @@ inline constexpr std::uint8_t OPCODE_REGIONS = 0x06;
 inline constexpr std::uint8_t OPCODE_KEY_INFO = 0x07;
 inline constexpr std::uint8_t OPCODE_FIRMWARE_INFO = 0x08;
 inline constexpr std::uint8_t OPCODE_UPDATE_INFO = 0x09;
+inline constexpr std::uint8_t OPCODE_KEY_CHAIN = 0x0A;
 inline constexpr std::uint8_t OPCODE_FRAMES = 0x10;
 inline constexpr std::uint8_t OPCODE_ENCRYPTED_FRAMES = 0x18;
 inline constexpr std::uint8_t OPCODE_SIGNATURE = 0x20;

@@ -2,6 +2,7 @@
 
 #include "firmware_archive.h"
 #include "frame_decoder.h"
+#include "key_chain.h"
 #include "little_endian.h"
 #include "stream_packets.h"
 
@@ -68,6 +69,7 @@ private:
     bool take_plain_frames(STREAM_METHOD method, std::size_t part, std::span<const std::uint8_t> stored,
                            std::size_t length, std::string& reason);
     bool take_update_info(std::string& reason);
+    bool take_key_chain(std::string& reason);
     bool take_firmware_info(std::string& reason);
     bool take_signature(std::string& reason);
     bool take_end(std::string& reason);
@@ -99,6 +101,7 @@ private:
     std::unique_ptr<Botan::HashFunction> m_signed_hash;   ///< of an image that is signed
     std::unique_ptr<Botan::HashFunction> m_firmware_hash; ///< of co-signed firmware that can be read
     std::vector<std::uint8_t> m_maker_signature;
+    std::optional<ECDSA_PUBLIC_KEY> m_chain_end; ///< who must sign the image
 };
 
 bool STREAM_WALK::read_packet(std::string& reason)
@@ -152,6 +155,7 @@ bool STREAM_WALK::take_packet(bool& ended, std::string& reason)
     case OPCODE_KEY_INFO:
     case OPCODE_FIRMWARE_INFO:
     case OPCODE_UPDATE_INFO:
+    case OPCODE_KEY_CHAIN:
         return take_record(reason);
     case OPCODE_FRAMES + static_cast<std::uint8_t>(STREAM_METHOD::PLAIN):
     case OPCODE_FRAMES + static_cast<std::uint8_t>(STREAM_METHOD::LZ4):
@@ -222,6 +226,7 @@ bool STREAM_WALK::take_device(std::string& reason)
     m_signature_due = (flags & DEVICE_FLAG_SIGNED) != 0;
     m_signed_hash = m_signature_due ? Botan::HashFunction::create_or_throw("SHA-384") : nullptr;
     m_firmware_hash.reset();
+    m_chain_end.reset();
     return true;
 }
 
@@ -245,6 +250,8 @@ bool STREAM_WALK::take_record(std::string& reason)
         return take_firmware_info(reason);
     if (m_opcode == OPCODE_UPDATE_INFO)
         return take_update_info(reason);
+    if (m_opcode == OPCODE_KEY_CHAIN)
+        return take_key_chain(reason);
     std::uint32_t scheme = 0;
     if (!decode_scheme(payload(), scheme, reason))
         return false;
@@ -264,6 +271,16 @@ bool STREAM_WALK::take_update_info(std::string& reason)
         return false;
     }
     update.replaces_boot_info = flags != 0;
+    return true;
+}
+
+bool STREAM_WALK::take_key_chain(std::string& reason)
+{
+    KEY_CHAIN chain;
+    if (!decode_key_chain(payload(), chain, reason))
+        return false;
+    m_chain_end = chain.back().key;
+    m_facts.images.back().root = chain.front().signer;
     return true;
 }
 
@@ -314,6 +331,10 @@ bool STREAM_WALK::take_signature(std::string& reason)
         return false;
     if (!ecdsa_verify(key, digest, signature)) {
         reason = "the signature does not fit the image";
+        return false;
+    }
+    if (m_chain_end && *m_chain_end != key) {
+        reason = "the signature is not by the last key of the key chain";
         return false;
     }
     m_facts.images.back().signer = key;
@@ -402,6 +423,10 @@ bool STREAM_WALK::finish_image(std::string& reason)
         reason = "image " + std::to_string(m_facts.images.size()) + " has " +
                  std::to_string(m_received[part]) + " of the " + std::to_string(image.part_length[part]) +
                  " bytes announced for the " + stream_part_name(static_cast<STREAM_PART>(part));
+        return false;
+    }
+    if (image.root && !image.signer) {
+        reason = "image " + std::to_string(m_facts.images.size()) + " has a key chain and no signature";
         return false;
     }
     if (m_signature_due) {

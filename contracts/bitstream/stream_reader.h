@@ -52,6 +52,7 @@ struct STREAM_IMAGE_FACTS {
     std::uint64_t offset = 0;               ///< of the image's first packet, bytes
     std::optional<KEY_INFO> key;            ///< of an image that is encrypted or prepared for that
     std::optional<ECDSA_PUBLIC_KEY> signer; ///< of a signed image, whose signature fits
+    std::optional<ECDSA_PUBLIC_KEY> root;   ///< of the key chain by which the signer is trusted
     std::optional<STREAM_FIRMWARE_FACTS> firmware;
 
     bool is_encrypted() const { return key && !key->prepared; }

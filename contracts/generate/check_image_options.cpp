@@ -133,6 +133,11 @@ private:
                      "\"finalize_encryption\" on as well.");
             return;
         }
+        if (!path.skc_file.empty()) {
+            conflict(
+                "The encryption is to be finalised later, and so is the signature, which cannot name a key "
+                "chain then; take \"skc_file\" away or finalise the encryption now.");
+        }
         for (const PGM_COMMON_XML_VEK_OUTPUT_FILE* output : m_setup.output_files()) {
             const std::vector<std::string> ids = output_bitstreams(m_setup, *output);
             if (output_type_of(output->type) != VEK_RBF_FILE_TYPE &&

@@ -17,7 +17,6 @@ struct UNHONOURED_OPTION {
 };
 
 constexpr UNHONOURED_OPTION PATH_OPTIONS[] = {
-    {"skc_file", nullptr, "a signature chain"},
     {"smsf_file", nullptr, "a sensitivity map file"},
     {"seu_recovery", "0", "recovery from upsets"},
 };

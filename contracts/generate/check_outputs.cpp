@@ -223,7 +223,7 @@ private:
                 for (const std::string* file :
                      {&path->text, &path->hps_path, &path->key_file1, &path->key_file2, &path->elk_file,
                       &path->aek_file, &path->signing_pem_file, &path->password, &path->fw_source,
-                      &path->app_image, &path->app_image_hps_path}) {
+                      &path->app_image, &path->app_image_hps_path, &path->skc_file}) {
                     add_input(*file);
                 }
             }

@@ -5,6 +5,7 @@
 #include "dev_family_enum.h"
 #include "fio_path.h"
 #include "firmware_archive.h"
+#include "key_chain.h"
 #include "lock_file.h"
 #include "pgm_device.h"
 #include "stream_packets.h"
@@ -353,6 +354,9 @@ private:
             refuse(FINDING_SIGNING_KEY, message);
             return;
         }
+        if (!m_path.skc_file.empty() && !load_key_chain(key.public_key)) {
+            return;
+        }
         const bool has_desk = !m_desk.digest_directory.empty() || !m_desk.signature_directory.empty();
         if (key.signer) {
             warn_if_open(path);
@@ -370,6 +374,24 @@ private:
         } else {
             m_security.signer = key.signer;
         }
+    }
+
+    bool load_key_chain(const ECDSA_PUBLIC_KEY& signer)
+    {
+        KEY_CHAIN chain;
+        std::string message;
+        if (!read_key_chain(absolute_path(m_path.skc_file), chain, message)) {
+            refuse(FINDING_SIGNING_KEY, message);
+            return false;
+        }
+        if (chain.back().key != signer) {
+            refuse(FINDING_SIGNING_KEY, "The key chain \"" + m_path.skc_file +
+                                            "\" ends with another key than \"" + m_path.signing_pem_file +
+                                            "\"; name the chain of that key.");
+            return false;
+        }
+        m_security.key_chain = encode_key_chain(chain);
+        return true;
     }
 
     void load_firmware()
@@ -432,7 +454,7 @@ std::string path_label(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream, const PGM_
 
 std::uint64_t security_allowance(const PGM_COMMON_XML_VEK_PATH& path, std::uint64_t plain)
 {
-    constexpr std::uint64_t RECORDS = 1024; // key info, signature of the maker and of the owner
+    constexpr std::uint64_t RECORDS = 2048; // key info, signatures of the maker and the owner, key chain
     const bool encrypted = is_on(path.encryption) || is_on(path.finalize_encryption);
     const std::uint64_t packets = plain / FRAMES_LIMIT + STREAM_PART_COUNT;
     return (encrypted ? packets * SEAL_SIZE : 0) + (encrypted || is_signed(path) ? RECORDS : 0);

@@ -16,6 +16,7 @@ struct PGM_DEVICE;
 struct INPUT_SECURITY {
     std::shared_ptr<const STREAM_ENCRYPTION> encryption; ///< null for none
     std::shared_ptr<const STREAM_SIGNER> signer;         ///< null for none
+    std::vector<std::uint8_t> key_chain;                 ///< by which the signer is trusted; empty for none
     SECRET_BYTES device_key; ///< what a device is to be programmed with; empty where a lock file encrypts
 };
 

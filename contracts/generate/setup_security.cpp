@@ -43,6 +43,7 @@ void SETUP_SECURITY::apply(const PGM_COMMON_XML_VEK_BITSTREAM& bitstream,
         for (std::size_t i = 0; i < image_count(*file); ++i, ++input) {
             input->encryption = security.encryption;
             input->signer = security.signer;
+            input->key_chain = security.key_chain;
         }
     }
 }

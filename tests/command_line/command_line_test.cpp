@@ -32,7 +32,7 @@ TEST(help, lists_every_command_with_examples_and_exit_codes)
     EXPECT_EQ(answer.exit_code, EXIT_CODE_DONE);
     for (const std::string command :
          {"generate", "convert", "check", "show", "edit", "verify", "map", "inspect", "pack", "sample", "key",
-          "firmware", "finalize", "list", "completion"}) {
+          "firmware", "chain", "finalize", "list", "completion"}) {
         EXPECT_THAT(answer.out, HasSubstr("\n  " + command + " "));
         const ANSWER help = run({command, "--help"});
         EXPECT_EQ(help.exit_code, EXIT_CODE_DONE);
@@ -303,7 +303,7 @@ TEST(command_line_page, names_every_command_and_exit_code)
     const std::string page = read_text_file(IMAGEWRIGHT_SOURCE_DIR "/docs/command-line.md");
     for (const std::string command :
          {"generate", "convert", "check", "show", "edit", "verify", "map", "inspect", "pack", "sample", "key",
-          "firmware", "finalize", "list", "completion"}) {
+          "firmware", "chain", "finalize", "list", "completion"}) {
         EXPECT_THAT(page, HasSubstr("| `" + command + " "));
     }
     for (const std::string code : {"| 0 |", "| 1 |", "| 2 |", "| 3 |", "| 4 |"}) {

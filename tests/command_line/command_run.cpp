@@ -84,6 +84,23 @@ std::string BOARD::signed_stream() const
     return path("signed.rbf");
 }
 
+std::string BOARD::chained_stream() const
+{
+    for (const std::string name : {"root", "line"}) {
+        make_private_pem(path(name + ".pem"), "P-256");
+        make_public_pem(path(name + ".pem"), path(name + ".pub"));
+    }
+    EXPECT_EQ(run({"chain", "--pem", path("root.pem"), "--key", path("line.pub"), "-o", path("line.skc")})
+                  .exit_code,
+              EXIT_CODE_DONE);
+    const ANSWER answer =
+        run({"convert", bitstream("chained.sof", "ZR9A012", "LNKSX8"), "-o", path("chained.rbf"), "--option",
+             "path_signing=ON", "--option", "path_signing_pem_file=" + path("line.pem"), "--option",
+             "path_skc_file=" + path("line.skc")});
+    EXPECT_EQ(answer.exit_code, EXIT_CODE_DONE) << answer.err;
+    return path("chained.rbf");
+}
+
 std::string BOARD::update_stream() const
 {
     const ANSWER answer =

@@ -39,6 +39,8 @@ public:
     /// The raw files of an encrypted bitstream and of a signed one. Their paths.
     std::string encrypted_stream() const;
     std::string signed_stream() const;
+    /// An RBF file that is signed through a key chain.
+    std::string chained_stream() const;
     /// An RBF file of an update image with a version.
     std::string update_stream() const;
     /// An RBF file whose encryption is to be completed.

@@ -193,3 +193,27 @@ TEST_F(KEY_COMMANDS, raw_data_with_regions_makes_a_partial_bitstream)
     EXPECT_THAT(refused.err, HasSubstr("\"left:0x\" is no region; write name, offset and length, as in "
                                        "left:0x1000:4096."));
 }
+
+TEST_F(KEY_COMMANDS, a_chain_of_keys_signs_in_place_of_the_root_key)
+{
+    for (const std::string name : {"root", "line"}) {
+        make_private_pem(path(name + ".pem"), "P-256");
+        make_public_pem(path(name + ".pem"), path(name + ".pub"));
+    }
+    const ANSWER made =
+        run({"chain", "--pem", path("root.pem"), "--key", path("line.pub"), "-o", path("line.skc")});
+    ASSERT_EQ(made.exit_code, EXIT_CODE_DONE) << made.err;
+    const std::string file = setup("LNKSX8", m_board.bitstream("top.sof", "ZR9A012", "LNKSX8"),
+                                   "signing=\"ON\" signing_pem_file=\"" + path("line.pem") +
+                                       "\" skc_file=\"" + path("line.skc") + "\"",
+                                   "RBF");
+    const ANSWER generated = run({"generate", file});
+    ASSERT_EQ(generated.exit_code, EXIT_CODE_DONE) << generated.err;
+    EXPECT_EQ(run({"verify", path("out/board.rbf")}).exit_code, EXIT_CODE_DONE);
+    EXPECT_THAT(run({"inspect", path("out/board.rbf"), "--json"}).out, HasSubstr("\"root\": {"));
+    const ANSWER refused =
+        run({"chain", "--pem", path("line.pub"), "--key", path("root.pub"), "-o", path("no.skc")});
+    EXPECT_EQ(refused.exit_code, EXIT_CODE_INPUT_UNREADABLE);
+    EXPECT_THAT(refused.err, HasSubstr(path("line.pub") + " holds a public key alone; name the private key "
+                                                          "that is to sign."));
+}

@@ -78,6 +78,7 @@ TEST_F(SCHEMA, every_document_fits_the_schema_of_its_command_and_every_schema_ha
     add("inspect-stream", {"inspect", m_board.path("top.rbf")});
     add("inspect-stream", {"inspect", m_board.encrypted_stream()});
     add("inspect-stream", {"inspect", m_board.signed_stream()});
+    add("inspect-stream", {"inspect", m_board.chained_stream()});
     add("inspect-stream", {"inspect", m_board.update_stream()});
     add("inspect-stream", {"inspect", m_board.prepared_stream()});
     for (const std::string name : {"board.pof", "board.jic", "board.rpd", "board_pof.map", "board.hex",

@@ -15,9 +15,9 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
-const std::vector<std::string> COMMANDS{"generate", "convert",  "check",    "show", "edit",
-                                        "verify",   "map",      "inspect",  "pack", "sample",
-                                        "key",      "firmware", "finalize", "list", "completion"};
+const std::vector<std::string> COMMANDS{"generate", "convert",  "check", "show",      "edit", "verify",
+                                        "map",      "inspect",  "pack",  "sample",    "key",  "firmware",
+                                        "chain",    "finalize", "list",  "completion"};
 
 /// The options that the help of a command shows, short and long.
 std::vector<std::string> options_of(const std::vector<std::string>& command)

@@ -261,7 +261,7 @@ TEST(check, a_bitstream_without_a_page_in_a_device_with_pages_cannot_be_selected
 TEST(check, options_that_are_not_honoured_are_named)
 {
     const std::vector<std::pair<std::string, std::string>> options = {
-        {"smsf_file", "x"}, {"seu_recovery", "1"}, {"skc_file", "x"}};
+        {"smsf_file", "x"}, {"seu_recovery", "1"}};
     for (const auto& [attribute, value] : options) {
         SCOPED_TRACE(attribute);
         PASSIVE setup;

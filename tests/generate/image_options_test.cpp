@@ -449,6 +449,13 @@ TEST(finalised_later, other_outputs_than_rbf_and_a_missing_switch_are_refused)
         setup, FINDING_OPTION_CONFLICT,
         "OUTPUT_FILE \"HEX\": The encryption of \"Bitstream_1.sof\" is to be finalised later, which "
         "can be done to an RBF file alone; remove this output file or finalise the encryption now.");
+    LATER chained;
+    chained.file().finalize_encryption_later = "1";
+    chained.file().skc_file = chained.path("any.skc");
+    expect_refused(chained, FINDING_OPTION_CONFLICT,
+                   LABEL +
+                       "The encryption is to be finalised later, and so is the signature, which cannot name "
+                       "a key chain then; take \"skc_file\" away or finalise the encryption now.");
     LATER without;
     without.file().finalize_encryption_later = "1";
     without.file().finalize_encryption = "0";

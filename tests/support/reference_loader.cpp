@@ -127,6 +127,7 @@ private:
         image.replaces_factory = (flags & 8U) != 0;
         image.application = (flags & 16U) != 0;
         m_chain.clear();
+        m_chain_end.clear();
         image.signed_begin = m_packet_start;
         for (std::uint64_t& length : m_lengths)
             length = cursor.number(8);
@@ -182,6 +183,9 @@ private:
             image.update_record.assign(record.begin(), record.end());
             break;
         }
+        case 0x0A:
+            key_chain(cursor);
+            break;
         case 0x10:
         case 0x11:
         case 0x12:
@@ -270,10 +274,51 @@ private:
         const BYTES record = cursor.rest();
         image.signed_end = m_packet_start;
         image.signature_curve = take_signature(record, image.public_key, image.signature);
+        require(m_chain_end.empty() || m_chain_end == image.public_key,
+                "signed by another key than the chain's");
         require(
             reference_ecdsa_verify(image.signature_curve, image.public_key, image.signature,
                                    m_all.subspan(image.signed_begin, image.signed_end - image.signed_begin)),
             "the signature does not fit");
+    }
+
+    /// Curve, zeros, X, Y.
+    static std::string take_key(CURSOR& cursor, BYTES& key)
+    {
+        const std::uint64_t curve = cursor.number(1);
+        require(cursor.number(3) == 0 && (curve == 1 || curve == 2), "a malformed key");
+        key = cursor.take(curve == 1 ? 64 : 96);
+        return curve == 1 ? "P-256" : "P-384";
+    }
+
+    void key_chain(CURSOR& cursor)
+    {
+        LOADED_IMAGE& image = m_stream.images.back();
+        require(m_signature_due, "a key chain without a signature");
+        const std::uint64_t count = cursor.number(1);
+        require(count >= 1 && count <= 3 && cursor.number(3) == 0, "a malformed key chain");
+        for (std::uint64_t i = 1; i <= count; ++i) {
+            BYTES key;
+            BYTES signer;
+            const std::size_t size = cursor.left();
+            CURSOR before = cursor;
+            take_key(cursor, key);
+            const BYTES record = before.take(size - cursor.left());
+            const std::string curve = take_key(cursor, signer);
+            const BYTES numbers = cursor.take(signer.size());
+            if (i == 1)
+                image.root_key.assign(signer.begin(), signer.end());
+            else
+                require(std::equal(signer.begin(), signer.end(), m_chain_end.begin(), m_chain_end.end()),
+                        "a broken key chain");
+            const std::string context = "imagewright key chain 1";
+            std::vector<std::uint8_t> text(context.begin(), context.end());
+            text.push_back(static_cast<std::uint8_t>(i));
+            text.insert(text.end(), record.begin(), record.end());
+            require(reference_ecdsa_verify(curve, signer, numbers, text),
+                    "a key that its signer did not sign");
+            m_chain_end.assign(key.begin(), key.end());
+        }
     }
 
     static std::string take_signature(BYTES record, std::vector<std::uint8_t>& key,
@@ -331,7 +376,8 @@ private:
     BYTES m_all;
     std::size_t m_packet_start = 0;
     bool m_signature_due = false;
-    std::vector<std::uint8_t> m_chain; ///< what the next encrypted packet is bound to
+    std::vector<std::uint8_t> m_chain_end; ///< the last key of the key chain
+    std::vector<std::uint8_t> m_chain;     ///< what the next encrypted packet is bound to
     std::size_t m_announced = 0;
     std::array<std::uint64_t, 4> m_lengths{};
 };

@@ -40,8 +40,9 @@ struct LOADED_IMAGE {
     std::vector<std::uint8_t> firmware_record; ///< of co-signed firmware, whose signature has been verified
     std::string signature_curve;               ///< empty for an unsigned image
     std::vector<std::uint8_t> public_key;      ///< X, Y
-    std::vector<std::uint8_t> signature;       ///< r, s, verified
-    std::size_t signed_begin = 0;              ///< the bytes of the stream that are signed
+    std::vector<std::uint8_t> root_key;  ///< of the key chain that ends with the public key; empty for none
+    std::vector<std::uint8_t> signature; ///< r, s, verified
+    std::size_t signed_begin = 0;        ///< the bytes of the stream that are signed
     std::size_t signed_end = 0;
 
     /// Periphery followed by core.
