@@ -107,6 +107,18 @@ TEST_F(VEK_FILE_EDIT_TEST, a_chosen_file_gets_the_extension_of_the_chosen_filter
     EXPECT_EQ(m_spy.at(0).at(0).toString(), text());
 }
 
+TEST_F(VEK_FILE_EDIT_TEST, a_type_with_several_extensions_is_filtered_by_its_default_one)
+{
+    ASSERT_NE(filter(FIO_HPS_BOOTLOADER_FILE).toStdString(),
+              fio_get_file_type_filter(FIO_HPS_BOOTLOADER_FILE, false));
+    m_edit.set_file_types({FIO_HPS_BOOTLOADER_FILE});
+    NIVO_NATIVE_FILE_DLG::answer_next({QStringLiteral("/in/boot.ihex")});
+    browse();
+    EXPECT_EQ(NIVO_NATIVE_FILE_DLG::last_question().name_filters,
+              QStringList{filter(FIO_HPS_BOOTLOADER_FILE)});
+    EXPECT_EQ(text(), QStringLiteral("/in/boot.hex"));
+}
+
 TEST_F(VEK_FILE_EDIT_TEST, the_dialog_is_asked_for_what_the_field_takes)
 {
     set_working_directory(m_directory.path());

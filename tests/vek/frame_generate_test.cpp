@@ -89,6 +89,8 @@ TEST_F(VEK_FRAME_GENERATE, a_reason_that_no_screen_holds_is_told_in_part_and_who
     answers.run([&](QDialog& dialog) {
         text = dynamic_cast<QMessageBox&>(dialog).text().toStdString();
         details = dynamic_cast<QMessageBox&>(dialog).detailedText().toStdString();
+        EXPECT_EQ(dynamic_cast<QMessageBox&>(dialog).textFormat(), Qt::PlainText)
+            << "a name may look like markup";
         dialog.accept();
     });
     press(*frame);

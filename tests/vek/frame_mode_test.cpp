@@ -259,6 +259,14 @@ TEST_F(VEK_FRAME_MODE, a_mode_outside_the_group_starts_a_new_setup_without_a_que
         << "the old document is left alone";
 }
 
+TEST_F(VEK_FRAME_MODE, announcing_the_mode_in_force_is_no_change)
+{
+    const auto frame = make_frame();
+    MODE_SPY spy(*frame);
+    frame->emit_mode_changed_signal(0);
+    EXPECT_EQ(spy.take(), (ANNOUNCED{{PGMIO_CONFIG_SCHEME_AS, false}}));
+}
+
 TEST_F(VEK_FRAME_MODE, entering_the_lnks_group_is_a_change)
 {
     const auto frame = make_frame();
