@@ -18,7 +18,7 @@ namespace
 {
 
 constexpr std::size_t PACKET = std::size_t{1024} * 1024;
-constexpr std::size_t PACKETS = 64;
+constexpr std::size_t PACKETS = 256;
 
 std::vector<std::uint8_t> noise(std::size_t size)
 {

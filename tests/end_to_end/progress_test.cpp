@@ -57,7 +57,7 @@ TEST_F(PROGRESS_ON_A_TERMINAL, counts_the_setups_and_leaves_nothing_behind)
 {
     const CHILD_RESULT result = on_terminal("generate units");
     EXPECT_EQ(result.exit_code, 0);
-    EXPECT_THAT(result.out, testing::StartsWith(std::string(CLEAR) + EMPTY_BAR));
+    EXPECT_THAT(result.out, testing::StartsWith(std::string(CLEAR).append(EMPTY_BAR)));
     EXPECT_THAT(result.out, testing::EndsWith("Generated 20 of 20 setups.\r\n"));
     // Whatever is drawn last is cleared before the summary.
     const std::size_t summary = result.out.rfind("Generated");
