@@ -6,12 +6,16 @@
 #include <zstd.h>
 
 #include <algorithm>
+#include <new>
 
 namespace
 {
 
 /// A good trade for data that is compressed once and loaded often.
 constexpr int ZSTD_LEVEL = 9;
+
+/// What evens out that one block takes longer than another.
+constexpr std::size_t BLOCKS_AHEAD = 2;
 
 struct FREE_ZSTD {
     void operator()(ZSTD_CCtx* context) const { ZSTD_freeCCtx(context); }
@@ -60,21 +64,31 @@ FRAME_COMPRESSOR::FRAME_COMPRESSOR(const BYTE_SOURCE& source, STREAM_METHOD meth
     : m_source(source), m_method(method), m_last_step(std::move(last_step)),
       m_coder(std::make_unique<CODER>(method))
 {
+    // Reading alone is not worth another thread.
+    if (m_method != STREAM_METHOD::PLAIN || m_last_step)
+        m_worker = std::thread([this] { work_ahead(); });
 }
 
 FRAME_COMPRESSOR::~FRAME_COMPRESSOR()
 {
-    if (m_ahead.valid())
-        m_ahead.wait();
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_stop = true;
+    }
+    m_changed.notify_all();
+    if (m_worker.joinable())
+        m_worker.join();
 }
 
-FRAME_COMPRESSOR::RESULT FRAME_COMPRESSOR::make_block(FRAME_BLOCK block) const
+/// Into the buffers of result.block.
+void FRAME_COMPRESSOR::make_block(RESULT& result, std::uint64_t offset) const
 {
-    RESULT result;
+    FRAME_BLOCK& block = result.block;
+    block.offset = offset;
     block.method = STREAM_METHOD::PLAIN;
     block.plain.resize(
-        static_cast<std::size_t>(std::min<std::uint64_t>(FRAMES_LIMIT, m_source.size() - block.offset)));
-    result.good = m_source.read(block.offset, block.plain, result.message);
+        static_cast<std::size_t>(std::min<std::uint64_t>(FRAMES_LIMIT, m_source.size() - offset)));
+    result.good = m_source.read(offset, block.plain, result.message);
     if (result.good && m_method != STREAM_METHOD::PLAIN) {
         const std::size_t size = m_coder->compress(block.plain, block.compressed);
         if (size != 0)
@@ -83,38 +97,70 @@ FRAME_COMPRESSOR::RESULT FRAME_COMPRESSOR::make_block(FRAME_BLOCK block) const
     }
     if (result.good && m_last_step)
         m_last_step(block);
-    result.block = std::move(block);
-    return result;
 }
 
-void FRAME_COMPRESSOR::start(FRAME_BLOCK buffers)
+void FRAME_COMPRESSOR::work_ahead()
 {
-    buffers.offset = m_position;
-    m_position += std::min<std::uint64_t>(FRAMES_LIMIT, m_source.size() - m_position);
-    // Reading alone is not worth another thread.
-    const bool is_work = m_method != STREAM_METHOD::PLAIN || m_last_step;
-    const auto policy = is_work ? std::launch::async : std::launch::deferred;
-    m_ahead = std::async(
-        policy, [this, taken = std::move(buffers)]() mutable { return make_block(std::move(taken)); });
+    bool good = true;
+    for (std::uint64_t offset = 0; good && offset != m_source.size();) {
+        RESULT result;
+        {
+            std::unique_lock lock(m_mutex);
+            m_changed.wait(lock, [this] { return m_stop || m_ready.size() < BLOCKS_AHEAD; });
+            if (m_stop)
+                return;
+            if (!m_spares.empty()) {
+                result.block = std::move(m_spares.back());
+                m_spares.pop_back();
+            }
+        }
+        try {
+            make_block(result, offset);
+        } catch (const std::bad_alloc&) {
+            result.good = false;
+            result.message = "There is not enough memory for the next block of the bitstream.";
+        }
+        offset += result.block.plain.size();
+        good = result.good;
+        {
+            const std::scoped_lock lock(m_mutex);
+            m_ready.push_back(std::move(result));
+        }
+        m_changed.notify_all();
+    }
+}
+
+FRAME_COMPRESSOR::RESULT FRAME_COMPRESSOR::take(FRAME_BLOCK spare)
+{
+    RESULT result;
+    if (!m_worker.joinable()) {
+        result.block = std::move(spare);
+        make_block(result, m_given);
+        return result;
+    }
+    {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait(lock, [this] { return !m_ready.empty(); });
+        result = std::move(m_ready.front());
+        m_ready.pop_front();
+        m_spares.push_back(std::move(spare));
+    }
+    m_changed.notify_all();
+    return result;
 }
 
 bool FRAME_COMPRESSOR::next(FRAME_BLOCK& block, std::string& message)
 {
-    if (!m_ahead.valid()) {
-        if (m_position == m_source.size()) {
-            m_at_end = true;
-            return false;
-        }
-        start(std::move(m_spare));
+    if (m_given == m_source.size()) {
+        m_at_end = true;
+        return false;
     }
-    RESULT result = m_ahead.get();
+    RESULT result = take(std::move(block));
+    block = std::move(result.block);
     if (!result.good) {
         message = result.message;
         return false;
     }
-    std::swap(block, result.block);
-    m_spare = std::move(result.block);
-    if (m_position != m_source.size())
-        start(std::move(m_spare));
+    m_given += block.plain.size();
     return true;
 }

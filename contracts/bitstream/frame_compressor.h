@@ -5,9 +5,12 @@
 #include "secret_bytes.h"
 #include "stream_reader.h"
 
+#include <condition_variable>
+#include <deque>
 #include <functional>
-#include <future>
 #include <memory>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 /// One run of configuration data, as a frames packet carries it.
@@ -26,8 +29,8 @@ struct FRAME_BLOCK {
 };
 
 /// Cuts a source into blocks of at most FRAMES_LIMIT bytes and compresses each by itself. A block that does
-/// not get smaller stays plain. The next block is read and compressed on another thread while the caller
-/// works with the one it has; memory is that of two blocks.
+/// not get smaller stays plain. The next blocks are read and compressed on another thread while the caller
+/// works with the one it has; memory is that of four blocks.
 class FRAME_COMPRESSOR
 {
 public:
@@ -40,7 +43,7 @@ public:
     FRAME_COMPRESSOR& operator=(const FRAME_COMPRESSOR&) = delete;
 
     /// The next block in `block`, whose buffers are used again. False at the end of the source, and, with a
-    /// sentence in `message`, when it cannot be read.
+    /// sentence in `message`, when it cannot be read or memory is short.
     bool next(FRAME_BLOCK& block, std::string& message);
     /// Whether the last block has been given out.
     bool at_end() const { return m_at_end; }
@@ -52,17 +55,22 @@ private:
         FRAME_BLOCK block;
         std::string message;
     };
-    RESULT make_block(FRAME_BLOCK block) const;
-    void start(FRAME_BLOCK buffers);
+    void make_block(RESULT& result, std::uint64_t offset) const;
+    void work_ahead();
+    RESULT take(FRAME_BLOCK spare);
 
     const BYTE_SOURCE& m_source;
     STREAM_METHOD m_method;
     LAST_STEP m_last_step;
     std::unique_ptr<CODER> m_coder;
-    std::uint64_t m_position = 0;
-    FRAME_BLOCK m_spare;
-    std::future<RESULT> m_ahead;
+    std::uint64_t m_given = 0; ///< bytes of the source in the blocks given out
     bool m_at_end = false;
+    std::mutex m_mutex; ///< for the next four
+    std::condition_variable m_changed;
+    std::deque<RESULT> m_ready;
+    std::vector<FRAME_BLOCK> m_spares; ///< blocks whose buffers wait for use
+    bool m_stop = false;
+    std::thread m_worker; ///< none where there is nothing to do but to read
 };
 
 #endif
