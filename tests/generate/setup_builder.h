@@ -32,6 +32,7 @@ std::vector<std::uint8_t> configuration_of(const SMALL_BITSTREAM& bitstream);
 class SETUP_BUILDER
 {
 public:
+    virtual ~SETUP_BUILDER() = default;
     explicit SETUP_BUILDER(const std::string& mode = "PS");
 
     const PGM_COMMON_XML_VEK_VEK& document() const { return *m_document; }
