@@ -4,6 +4,7 @@
 #include "message_printer.h"
 
 #include <charconv>
+#include <new>
 #include <ostream>
 
 namespace
@@ -60,7 +61,13 @@ EXIT_CODE execute_chosen(const std::vector<std::pair<CLI::App*, COMMAND*>>& comm
     for (const auto& [subcommand, command] : commands) {
         if (subcommand->parsed()) {
             const MESSAGE_PRINTER printer(err, options.quiet, options.verbose);
-            return command->execute(context);
+            try {
+                return command->execute(context);
+            } catch (const std::bad_alloc&) {
+                context.fail("There is not enough memory for " + subcommand->get_name() +
+                             "; end other programs, or run it on a machine with more.");
+                return EXIT_CODE_INPUT_UNREADABLE;
+            }
         }
     }
     return EXIT_CODE_USAGE;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <new>
+#include <system_error>
 
 namespace
 {
@@ -66,7 +67,11 @@ FRAME_COMPRESSOR::FRAME_COMPRESSOR(const BYTE_SOURCE& source, STREAM_METHOD meth
 {
     // Reading alone is not worth another thread.
     if (m_method != STREAM_METHOD::PLAIN || m_last_step)
-        m_worker = std::thread([this] { work_ahead(); });
+        try {
+            m_worker = std::thread([this] { work_ahead(); });
+        } catch (const std::system_error&) {
+            // The machine has no more threads to give: take() makes the blocks itself.
+        }
 }
 
 FRAME_COMPRESSOR::~FRAME_COMPRESSOR()

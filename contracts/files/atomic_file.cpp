@@ -202,10 +202,11 @@ bool ATOMIC_FILE::link_to_hidden_name()
     }
     const std::string unnamed = "/proc/self/fd/" + std::to_string(m_descriptor);
     for (;;) {
-        const std::string hidden =
+        std::string hidden =
             directory_of(m_target) + "/" + hidden_temporary_name(FIO_PATH(m_target).filename());
         if (linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, hidden.c_str(), AT_SYMLINK_FOLLOW) == 0) {
-            m_temporary = hidden;
+            // Nothing that can fail stands between the file's name and its note.
+            m_temporary = std::move(hidden);
             return true;
         }
         if (errno != EEXIST) {
@@ -221,6 +222,7 @@ bool ATOMIC_FILE::commit(std::string& message)
         message = m_path + " is not written, because some of its data could not be.";
         return false;
     }
+    const std::string directory = directory_of(m_target);
     struct stat status = {};
     if (fsync(m_descriptor) != 0 || fstat(m_descriptor, &status) != 0) {
         return fail(message);
@@ -242,7 +244,7 @@ bool ATOMIC_FILE::commit(std::string& message)
     m_temporary.clear();
     close(m_descriptor);
     m_descriptor = -1;
-    if (!flush_directory(directory_of(m_target))) {
+    if (!flush_directory(directory)) {
         message =
             m_path + " is written, but may be lost when the power fails now: " + error_words(errno) + ".";
         return false;

@@ -63,12 +63,14 @@ public:
         if (!m_ingredients.build_flash_contents()) {
             return false;
         }
+        // Once files stand, nothing may keep them from being told.
+        written.reserve(written.size() + m_plans.size());
         write_all();
         bool all = true;
-        for (const std::optional<WRITTEN_FILE>& file : m_written) {
+        for (std::optional<WRITTEN_FILE>& file : m_written) {
             all = all && file.has_value();
             if (file) {
-                written.push_back(*file);
+                written.push_back(std::move(*file));
             }
         }
         return all;
@@ -131,7 +133,10 @@ private:
             try {
                 write_one(m_plans[i], m_written[i]);
             } catch (const std::bad_alloc&) {
-                vek_report(MSG_VEK::E::GENERIC_ERROR(m_plans[i].path, "there is not enough memory"));
+                // Of a file that stands only the note of it has got lost.
+                if (!m_written[i]) {
+                    report_memory_shortage({m_plans[i]});
+                }
             }
         });
     }
@@ -161,6 +166,7 @@ private:
             report_failure(plan, message);
             return;
         }
+        WRITTEN_FILE result{plan.path, plan.type, file->size()};
         const auto back = file->read_back(message);
         if (!back) {
             report_failure(plan, message);
@@ -169,9 +175,9 @@ private:
         } else if (!file->commit(message)) {
             report_failure(plan, message);
         } else {
-            written = WRITTEN_FILE{plan.path, plan.type, file->size()};
+            written = std::move(result);
             vek_report(MSG_VEK::DEBUG_MSG("Wrote %s, %llu bytes", plan.path.c_str(),
-                                          static_cast<unsigned long long>(file->size())));
+                                          static_cast<unsigned long long>(written->size)));
         }
     }
 
@@ -187,5 +193,11 @@ private:
 bool generate_document(const PGM_COMMON_XML_VEK_VEK& document, const GENERATE_OPTIONS& options,
                        std::vector<WRITTEN_FILE>& written)
 {
-    return GENERATION(document, options).run(written);
+    try {
+        return GENERATION(document, options).run(written);
+    } catch (const std::bad_alloc&) {
+        // What the work held is free again, so that the files can be named.
+        report_memory_shortage(plan_files(SETUP_VIEW(document), options.output_directory));
+        return false;
+    }
 }

@@ -30,3 +30,10 @@ void report_failure(const OUTPUT_PLAN& plan, const std::string& reason)
 {
     vek_report(MSG_VEK::E::GENERIC_ERROR(plan.path, without_full_stop(reason)));
 }
+
+void report_memory_shortage(const std::vector<OUTPUT_PLAN>& plans)
+{
+    for (const OUTPUT_PLAN& plan : plans) {
+        report_failure(plan, "there is not enough memory");
+    }
+}

@@ -2,22 +2,45 @@
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
+#include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
 void run_parallel(std::size_t count, unsigned threads, const std::function<void(std::size_t)>& work)
 {
     std::atomic<std::size_t> next{0};
-    const auto run = [&] {
-        for (std::size_t i = next++; i < count; i = next++) {
-            work(i);
+    std::mutex mutex;
+    std::exception_ptr first_failure;
+    const auto run = [&]() noexcept {
+        try {
+            for (std::size_t i = next++; i < count; i = next++) {
+                work(i);
+            }
+        } catch (...) {
+            next = count;
+            const std::scoped_lock lock(mutex);
+            if (!first_failure) {
+                first_failure = std::current_exception();
+            }
         }
     };
     const unsigned machine = std::max(std::thread::hardware_concurrency(), 1U);
     const std::size_t workers = std::min<std::size_t>(count, threads == 0 ? machine : threads);
-    std::vector<std::jthread> others;
-    for (std::size_t i = 1; i < workers; ++i) {
-        others.emplace_back(run);
+    {
+        std::vector<std::jthread> others;
+        others.reserve(workers);
+        try {
+            while (others.size() + 1 < workers) {
+                others.emplace_back(run);
+            }
+        } catch (const std::system_error&) {
+            // The machine has no more threads to give; those that there are do the work.
+        }
+        run();
     }
-    run();
+    if (first_failure) {
+        std::rethrow_exception(first_failure);
+    }
 }

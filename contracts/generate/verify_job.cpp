@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <new>
 
 namespace
 {
@@ -110,5 +111,11 @@ bool verify_outputs(const PGM_COMMON_XML_VEK_VEK& document, const VERIFY_OPTIONS
                     std::vector<OUTPUT_VERDICT>& verdicts)
 {
     const GENERATE_OPTIONS places{options.output_directory, options.threads, options.desk};
-    return VERIFICATION(document, places).run(options.file, verdicts);
+    try {
+        return VERIFICATION(document, places).run(options.file, verdicts);
+    } catch (const std::bad_alloc&) {
+        verdicts.clear();
+        report_memory_shortage(plan_files(SETUP_VIEW(document), options.output_directory));
+        return false;
+    }
 }
