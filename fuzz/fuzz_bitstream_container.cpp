@@ -1,4 +1,5 @@
 #include "bitstream_file.h"
+#include "mended_stream.h"
 #include "stream_reader.h"
 
 #include <cstddef>
@@ -9,12 +10,6 @@
 namespace
 {
 
-void put32(std::vector<std::uint8_t>& bytes, std::size_t offset, std::uint32_t value)
-{
-    for (std::size_t i = 0; i < 4; ++i)
-        bytes[offset + i] = static_cast<std::uint8_t>(value >> (8 * i));
-}
-
 void mend_header(std::vector<std::uint8_t>& bytes)
 {
     if (bytes.size() < 32)
@@ -24,18 +19,6 @@ void mend_header(std::vector<std::uint8_t>& bytes)
         return;
     const std::span<const std::uint8_t> all(bytes);
     put32(bytes, 28, crc32(all.subspan(32, directory), crc32(all.first(28))));
-}
-
-void mend_packets(std::vector<std::uint8_t>& bytes)
-{
-    for (std::size_t offset = 4; offset + 4 <= bytes.size();) {
-        const std::size_t length = bytes[offset + 1] + 256U * bytes[offset + 2] + 65536U * bytes[offset + 3];
-        if (bytes.size() - offset < length + 8)
-            return;
-        const std::span<const std::uint8_t> packet = std::span(bytes).subspan(offset, length + 4);
-        put32(bytes, offset + length + 4, crc32(packet));
-        offset += length + 8;
-    }
 }
 
 void read_all(const std::vector<std::uint8_t>& bytes)
