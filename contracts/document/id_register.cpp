@@ -14,7 +14,7 @@ ID_REGISTER::SLOT& ID_REGISTER::find_slot(std::vector<SLOT>& slots, const SLOT& 
 {
     const std::size_t mask = slots.size() - 1;
     std::size_t slot = wanted.hash & mask;
-    while (!slots[slot].id.empty() && (slots[slot].hash != wanted.hash || slots[slot].id != wanted.id)) {
+    while (slots[slot].id != nullptr && (slots[slot].hash != wanted.hash || *slots[slot].id != *wanted.id)) {
         slot = (slot + 1) & mask;
     }
     return slots[slot];
@@ -22,23 +22,28 @@ ID_REGISTER::SLOT& ID_REGISTER::find_slot(std::vector<SLOT>& slots, const SLOT& 
 
 void ID_REGISTER::TABLE::grow()
 {
-    std::vector<SLOT> wider(slots.empty() ? FIRST_SLOTS : 2 * slots.size());
+    std::vector<SLOT> wider(slots.empty() ? FIRST_SLOTS : 4 * slots.size());
+    const std::size_t mask = wider.size() - 1;
     for (const SLOT& slot : slots) {
-        if (!slot.id.empty()) {
-            find_slot(wider, slot) = slot;
+        if (slot.id != nullptr) {
+            std::size_t place = slot.hash & mask;
+            while (wider[place].id != nullptr) {
+                place = (place + 1) & mask;
+            }
+            wider[place] = slot;
         }
     }
     slots = std::move(wider);
 }
 
-bool ID_REGISTER::TABLE::insert(std::string_view id)
+bool ID_REGISTER::TABLE::insert(const std::string& id)
 {
     if (2 * used >= slots.size()) {
         grow();
     }
-    const SLOT wanted{id, std::hash<std::string_view>()(id)};
+    const SLOT wanted{&id, std::hash<std::string_view>()(id)};
     SLOT& slot = find_slot(slots, wanted);
-    if (!slot.id.empty()) {
+    if (slot.id != nullptr) {
         return false;
     }
     slot = wanted;
@@ -54,7 +59,13 @@ bool ID_REGISTER::add(const PGM_COMMON_XML_ELEMENT_DESCRIPTOR& descriptor,
     }
     const std::string& id = pgm_common_xml_read(element, descriptor.key);
     // An id that is missing is the business of whoever asks for it.
-    if (id.empty() || m_ids[descriptor.unique].insert(id)) {
+    if (id.empty()) {
+        return true;
+    }
+    if (m_last == nullptr || m_last->first != descriptor.unique) {
+        m_last = &*m_ids.try_emplace(descriptor.unique).first;
+    }
+    if (m_last->second.insert(id)) {
         return true;
     }
     problem = std::string(descriptor.attributes[static_cast<std::size_t>(descriptor.key)].name) + " \"" + id +

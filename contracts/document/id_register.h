@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// The ids met so far in a pass over a document, by what they are unique among. The elements must stay as
@@ -21,17 +22,19 @@ private:
     /// Open addressing, at most half full: a node for each of many thousand ids would cost more than reading
     /// them.
     struct SLOT {
-        std::string_view id; ///< empty: free
+        const std::string* id = nullptr; ///< null: free
         std::size_t hash = 0;
     };
     struct TABLE {
         std::vector<SLOT> slots;
         std::size_t used = 0;
-        bool insert(std::string_view id);
+        bool insert(const std::string& id);
         void grow();
     };
     static SLOT& find_slot(std::vector<SLOT>& slots, const SLOT& wanted);
     std::map<std::string_view, TABLE> m_ids;
+    /// The last one asked for: elements of one kind follow each other in their thousands.
+    std::pair<const std::string_view, TABLE>* m_last = nullptr;
 };
 
 #endif

@@ -27,7 +27,8 @@ std::string quote(std::string_view text)
 
 bool is_blank(std::string_view text)
 {
-    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+    return std::all_of(text.begin(), text.end(),
+                       [](char one) { return one == ' ' || one == '\n' || one == '\t' || one == '\r'; });
 }
 
 std::string describe_children(const DESCRIPTOR& parent)

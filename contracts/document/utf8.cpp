@@ -73,9 +73,10 @@ void append_utf8(std::string& target, const char16_t* units, std::size_t count)
     // Nearly all text is ASCII, which is copied without a look at each unit's neighbour.
     const std::size_t size = target.size();
     target.resize(size + count);
+    char* const bytes = target.data() + size;
     std::size_t index = 0;
     for (; index < count && units[index] < 0x80; ++index) {
-        target[size + index] = static_cast<char>(units[index]);
+        bytes[index] = static_cast<char>(units[index]);
     }
     target.resize(size + index);
     for (; index < count; ++index) {
