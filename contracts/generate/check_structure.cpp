@@ -27,12 +27,12 @@ std::string wanted_value(const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& attribute, c
     if (attribute.type == PGM_XML_TYPE_DECIMAL && (!parse_decimal(value, number) || number > 0xFFFFFFFF)) {
         return "a decimal number below 4294967296";
     }
-    std::string normal = value;
     std::string expected;
-    if (!normalise_value(attribute, normal, expected)) {
-        return expected;
+    if (attribute.type == PGM_XML_TYPE_BOOL || attribute.type == PGM_XML_TYPE_WORD) {
+        std::string normal = value;
+        normalise_value(attribute, normal, expected);
     }
-    return "";
+    return expected;
 }
 
 class STRUCTURE_CHECK
@@ -44,10 +44,10 @@ public:
     {
         check_mode();
         check_element(m_setup.document(), nullptr);
-        check_ids("BITSTREAM", m_setup.bitstreams().all(), "bitstream");
-        check_ids("RAW_FILE", m_setup.raw_files().all(), "raw file");
-        check_ids("FLASH_DEVICE", m_setup.flash_devices().all(), "flash device");
-        check_ids("PARTITION", m_setup.partitions().all(), "partition");
+        check_ids("BITSTREAM", m_setup.bitstreams(), "bitstream");
+        check_ids("RAW_FILE", m_setup.raw_files(), "raw file");
+        check_ids("FLASH_DEVICE", m_setup.flash_devices(), "flash device");
+        check_ids("PARTITION", m_setup.partitions(), "partition");
         check_input_ids();
         check_output_types();
         check_assignments();
@@ -117,14 +117,13 @@ private:
     }
 
     template <class ELEMENT>
-    void check_ids(const char* name, const std::vector<const ELEMENT*>& elements, const char* words)
+    void check_ids(const char* name, const ELEMENT_INDEX<ELEMENT>& elements, const char* words)
     {
-        std::unordered_set<std::string_view> seen;
-        for (const ELEMENT* element : elements) {
+        for (const ELEMENT* element : elements.all()) {
             if (element->id.empty()) {
                 m_findings.add(FINDING_ID_MISSING, name,
                                "A " + std::string(words) + " has no id; give it one.");
-            } else if (!seen.insert(element->id).second) {
+            } else if (elements.find(element->id) != element) {
                 m_findings.add(FINDING_ID_DUPLICATE, element_label(name, element->id),
                                "Two elements have this id; rename one " + std::string(words) + ".");
             }
@@ -171,10 +170,9 @@ private:
 
     void check_assignments()
     {
-        std::unordered_set<std::string_view> seen;
         for (const PGM_COMMON_XML_VEK_ASSIGNMENT* assignment : m_setup.assignments().all()) {
             const auto label = [assignment] { return element_label("ASSIGNMENT", assignment->partition_id); };
-            if (!seen.insert(assignment->partition_id).second) {
+            if (m_setup.assignments().find(assignment->partition_id) != assignment) {
                 m_findings.add(FINDING_ASSIGNMENT_DUPLICATE, label(),
                                "Two assignments are for this partition; remove one.");
             }

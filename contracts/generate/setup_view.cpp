@@ -11,11 +11,13 @@ SETUP_VIEW::SETUP_VIEW(const PGM_COMMON_XML_VEK_VEK& document)
 {
     VEK_FILE_ASSISTANT::get_config_mode(&document, m_mode);
     for (const PGM_COMMON_XML_VEK_BITSTREAMS* group : document.bitstreams) {
+        m_bitstreams.reserve(group->bitstream.size());
         for (const PGM_COMMON_XML_VEK_BITSTREAM* bitstream : group->bitstream) {
             m_bitstreams.add(bitstream->id, bitstream);
         }
     }
     for (const PGM_COMMON_XML_VEK_RAW_FILES* group : document.raw_files) {
+        m_raw_files.reserve(group->raw_file.size());
         for (const PGM_COMMON_XML_VEK_RAW_FILE* raw_file : group->raw_file) {
             m_raw_files.add(raw_file->id, raw_file);
         }
@@ -26,12 +28,14 @@ SETUP_VIEW::SETUP_VIEW(const PGM_COMMON_XML_VEK_VEK& document)
         }
         for (const PGM_COMMON_XML_VEK_FLASH_DEVICE* device : group->flash_device) {
             m_flash_devices.add(device->id, device);
+            m_partitions.reserve(device->partition.size());
             for (const PGM_COMMON_XML_VEK_PARTITION* partition : device->partition) {
                 m_partitions.add(partition->id, partition);
             }
         }
     }
     for (const PGM_COMMON_XML_VEK_ASSIGNMENTS* group : document.assignments) {
+        m_assignments.reserve(group->assignment.size());
         for (const PGM_COMMON_XML_VEK_ASSIGNMENT* assignment : group->assignment) {
             m_assignments.add(assignment->partition_id, assignment);
         }

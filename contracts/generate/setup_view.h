@@ -8,19 +8,26 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 /// Elements of one kind in document order, found by id in constant time. With two of one id the first counts.
+/// The elements keep the ids.
 template <class ELEMENT>
 class ELEMENT_INDEX
 {
 public:
-    /// False when the id is taken.
-    bool add(const std::string& id, const ELEMENT* element)
+    /// Makes room for so many more.
+    void reserve(std::size_t count)
+    {
+        m_all.reserve(m_all.size() + count);
+        m_by_id.reserve(m_all.size() + count);
+    }
+    void add(const std::string& id, const ELEMENT* element)
     {
         m_all.push_back(element);
-        return m_by_id.emplace(id, element).second;
+        m_by_id.emplace(id, element);
     }
     const ELEMENT* find(const std::string& id) const
     {
@@ -31,7 +38,7 @@ public:
 
 private:
     std::vector<const ELEMENT*> m_all;
-    std::unordered_map<std::string, const ELEMENT*> m_by_id;
+    std::unordered_map<std::string_view, const ELEMENT*> m_by_id;
 };
 
 /// A setup document as the check and the generation read it: every element at hand by its id, so that a setup
