@@ -12,8 +12,8 @@ class MOK_UI_MGR;
 /// The host application of the frame layer. Build it after the QApplication and let it go before, but after
 /// its windows.
 ///
-/// While it lives, the messages of all threads arrive in its message model, and a yes-or-no question of any
-/// thread is put to the user in a modal box on the GUI thread.
+/// It gives the application the host's style. While it lives, the messages of all threads arrive in its
+/// message model, and a yes-or-no question of any thread is put to the user in a modal box on the GUI thread.
 class MOK_APP : public NIVO_APP
 {
 public:

@@ -118,6 +118,15 @@ void draw_detach(QPainter& painter, const INK& ink)
     painter.drawPolyline(QPolygonF({{9.5, 2.2}, {13.8, 2.2}, {13.8, 6.5}}));
 }
 
+void draw_more(QPainter& painter, const INK& ink, bool below)
+{
+    prepare(painter, ink.line, Qt::NoBrush, 1.9);
+    for (const qreal from : {3.5, 8.5}) {
+        painter.drawPolyline(below ? QPolygonF({{3.5, from}, {8, from + 4}, {12.5, from}})
+                                   : QPolygonF({{from, 3.5}, {from + 4, 8}, {from, 12.5}}));
+    }
+}
+
 void draw_imagewright(QPainter& painter, const INK& ink)
 {
     // A device with its pins, and the image written into it bit by bit.
@@ -198,6 +207,10 @@ private:
             return draw_clear(painter, ink);
         case NIVO_ICON_DETACH:
             return draw_detach(painter, ink);
+        case NIVO_ICON_MORE_ASIDE:
+            return draw_more(painter, ink, false);
+        case NIVO_ICON_MORE_BELOW:
+            return draw_more(painter, ink, true);
         case NIVO_ICON_IMAGEWRIGHT:
             return draw_imagewright(painter, ink);
         }

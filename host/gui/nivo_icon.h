@@ -17,6 +17,8 @@ enum NIVO_ICON_ENUM : std::uint32_t {
     NIVO_ICON_COPY = 110,
     NIVO_ICON_CLEAR = 111,
     NIVO_ICON_DETACH = 120,
+    NIVO_ICON_MORE_ASIDE = 121, ///< a bar that lies continues
+    NIVO_ICON_MORE_BELOW = 122, ///< a bar that stands continues
     NIVO_ICON_IMAGEWRIGHT = 483, ///< windows and dialogs of the tool
 };
 

@@ -1,6 +1,8 @@
 #include "frame_fixture.h"
 #include "internal_error_trap.h"
+#include "nivo_style.h"
 
+#include <QApplication>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QStatusBar>
@@ -26,6 +28,11 @@ TEST_F(FRAME_STATE_TEST, without_information_the_frame_is_a_window_for_setups)
     const MOK_FRAME_WND frame(nullptr, MOK_FW_STATE_MAIN);
     EXPECT_EQ(frame.get_clsid(), NIVO_CLSID_VEK_DEFAULT_DOC);
     EXPECT_EQ(frame.windowTitle(), "Imagewright[*]");
+}
+
+TEST_F(FRAME_STATE_TEST, the_application_has_the_style_of_the_host)
+{
+    EXPECT_NE(dynamic_cast<NIVO_STYLE*>(QApplication::style()), nullptr);
 }
 
 TEST_F(FRAME_STATE_TEST, a_tool_by_itself_is_a_main_window_without_a_host)

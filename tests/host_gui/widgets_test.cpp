@@ -7,6 +7,7 @@
 #include "nivo_hex_edit.h"
 #include "nivo_icon.h"
 #include "nivo_safe_connect.h"
+#include "nivo_style.h"
 #include "nivo_tree_view.h"
 #include "nivo_wait_cursor.h"
 #include "progress.h"
@@ -459,15 +460,27 @@ TEST(ICON_TEST, every_icon_stands_out_on_light_and_dark_backgrounds_and_differs_
         for (const NIVO_ICON_ENUM icon :
              {NIVO_ICON_OPEN, NIVO_ICON_SAVE, NIVO_ICON_KEY, NIVO_ICON_INFORMATION, NIVO_ICON_WARNING,
               NIVO_ICON_ERROR, NIVO_ICON_OUTPUT, NIVO_ICON_COPY, NIVO_ICON_CLEAR, NIVO_ICON_DETACH,
-              NIVO_ICON_IMAGEWRIGHT}) {
+              NIVO_ICON_MORE_ASIDE, NIVO_ICON_MORE_BELOW, NIVO_ICON_IMAGEWRIGHT}) {
             EXPECT_GT(visible_share(nivo_get_icon(icon), background), 0.05) << icon << " dark " << is_dark;
             const QImage image = nivo_get_icon(icon).pixmap(32, 32).toImage();
             pictures.insert(QByteArray(reinterpret_cast<const char*>(image.constBits()),
                                        static_cast<int>(image.sizeInBytes())));
         }
-        EXPECT_EQ(pictures.size(), 11u);
+        EXPECT_EQ(pictures.size(), 13u);
     }
     QApplication::setPalette(before);
+}
+
+TEST(ICON_TEST, bars_that_are_too_long_continue_with_the_hosts_icons_and_the_rest_is_the_desktops)
+{
+    const NIVO_STYLE style;
+    const auto picture = [](const QIcon& icon) { return icon.pixmap(32, 32).toImage(); };
+    EXPECT_EQ(picture(style.standardIcon(QStyle::SP_ToolBarHorizontalExtensionButton)),
+              picture(nivo_get_icon(NIVO_ICON_MORE_ASIDE)));
+    EXPECT_EQ(picture(style.standardIcon(QStyle::SP_ToolBarVerticalExtensionButton)),
+              picture(nivo_get_icon(NIVO_ICON_MORE_BELOW)));
+    EXPECT_EQ(picture(style.standardIcon(QStyle::SP_MessageBoxWarning)),
+              picture(style.baseStyle()->standardIcon(QStyle::SP_MessageBoxWarning)));
 }
 
 TEST(ICON_TEST, numbers_that_dialogs_ask_for_are_the_hosts)
