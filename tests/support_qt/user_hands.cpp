@@ -142,10 +142,14 @@ void USER_HANDS::choose_entry(QMainWindow& window, const QString& menu, const QS
 
 QModelIndex USER_HANDS::find_row(const QAbstractItemView& view, const QString& text)
 {
-    const auto found = view.model()->match(view.model()->index(0, 0), Qt::DisplayRole, text, 2,
-                                           Qt::MatchExactly | Qt::MatchRecursive | Qt::MatchCaseSensitive);
-    EXPECT_EQ(found.size(), 1) << "rows " << text.toStdString();
-    return found.isEmpty() ? QModelIndex() : found.front();
+    QModelIndex row;
+    for (const QString& step : text.split(QStringLiteral(" > "))) {
+        const auto found = view.model()->match(view.model()->index(0, 0, row), Qt::DisplayRole, step, 2,
+                                               Qt::MatchExactly | Qt::MatchRecursive | Qt::MatchCaseSensitive);
+        EXPECT_EQ(found.size(), 1) << "rows " << text.toStdString();
+        row = found.isEmpty() ? QModelIndex() : found.front();
+    }
+    return row;
 }
 
 void USER_HANDS::select(QAbstractItemView& view, const QString& text)
@@ -190,4 +194,10 @@ void USER_HANDS::type(const QWidget& window, const char* object_name, const QStr
     if (QLineEdit* const edit = find<QLineEdit>(window, object_name)) {
         type(*edit, text);
     }
+}
+
+void USER_HANDS::unfold(QAbstractItemView& view, const QString& text)
+{
+    select(view, text);
+    QTest::keyClick(&view, Qt::Key_Plus);
 }
