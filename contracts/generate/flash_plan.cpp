@@ -2,6 +2,8 @@
 
 #include "bitstream_file.h"
 #include "fio_path.h"
+#include "firmware_archive.h"
+#include "input_security.h"
 #include "pgm_device.h"
 #include "raw_file_content.h"
 #include "vek_file_assistant.h"
@@ -344,7 +346,7 @@ private:
                 bitstream = bitstream == nullptr && other.element->id == "FACTORY_IMAGE" ? other.bitstream
                                                                                          : bitstream;
             }
-            firmware = firmware_of(bitstream);
+            firmware = firmware_of(partition, bitstream);
             if (firmware) {
                 partition.input_names = input_names(*bitstream);
             }
@@ -361,12 +363,23 @@ private:
         }
     }
 
-    static std::shared_ptr<const BYTE_SOURCE> firmware_of(const PGM_COMMON_XML_VEK_BITSTREAM* bitstream)
+    /// That of the stream: co-signed firmware takes the place of the bitstream's own.
+    std::shared_ptr<const BYTE_SOURCE> firmware_of(const PARTITION_PLAN& partition,
+                                                   const PGM_COMMON_XML_VEK_BITSTREAM* bitstream)
     {
+        if (bitstream == nullptr || bitstream->path.empty()) {
+            return nullptr;
+        }
+        const PGM_COMMON_XML_VEK_PATH& path = *bitstream->path.front();
         std::string message;
-        const auto file = bitstream == nullptr || bitstream->path.empty()
-                              ? nullptr
-                              : BITSTREAM_FILE::open(absolute_path(bitstream->path.front()->text), message);
+        if (const std::string co_signed = firmware_source(path); !co_signed.empty()) {
+            FIRMWARE_ARCHIVE archive;
+            if (!open_firmware_archive(co_signed, true, archive, message)) {
+                refuse(FINDING_FIRMWARE_ARCHIVE, partition.label, message);
+            }
+            return archive.firmware;
+        }
+        const auto file = BITSTREAM_FILE::open(absolute_path(path.text), message);
         return file ? file->section(SECTION_FIRMWARE) : nullptr;
     }
 

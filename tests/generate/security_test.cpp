@@ -267,6 +267,42 @@ TEST(signing, co_signed_firmware_takes_the_place_of_the_firmware_of_the_bitstrea
     EXPECT_THAT(findings.message(), HasSubstr("is not for the family Zircon; name firmware for it."));
 }
 
+TEST(signing, boot_information_takes_the_co_signed_firmware_too_and_refuses_a_forged_one)
+{
+    SIGNED setup("ASX4");
+    setup.bitstream("Bitstream_2", setup.content);
+    setup.flash("Flash", "W25Q256JV");
+    setup.reserved("Flash", true, false);
+    setup.assign("FACTORY_IMAGE", "Bitstream_1", "0");
+    setup.partition("Flash", "P1");
+    setup.assign("P1", "Bitstream_2", "1");
+    setup.output("RPD", {}, "Flash");
+    make_private_pem(setup.path("maker.pem"), "P-256");
+    PEM_KEY maker;
+    std::string message;
+    ASSERT_TRUE(load_pem_key(setup.path("maker.pem"), nullptr, maker, message)) << message;
+    const BYTES firmware = noise(3000, 99);
+    ASSERT_TRUE(write_firmware_archive(setup.path("maker.fw"), DEV_FAMILY_ZIRCON, 7, MEMORY_SOURCE(firmware),
+                                       *maker.signer, message))
+        << message;
+    file_of(setup).fw_source = setup.path("maker.fw");
+    expect_written(setup);
+    const BYTES image = read_file(setup.path("out.rpd"));
+    constexpr std::ptrdiff_t FIRMWARE = 128;
+    EXPECT_EQ(image.at(12) + 256U * image.at(13), firmware.size());
+    EXPECT_EQ(BYTES(image.begin() + FIRMWARE, image.begin() + FIRMWARE + 3000), firmware);
+
+    BYTES forged = read_file(setup.path("maker.fw"));
+    forged.at(forged.size() / 2) ^= 1;
+    write_file(setup.path("maker.fw"), forged);
+    FINDINGS findings;
+    check_setup(setup.document(), true, "", findings);
+    EXPECT_FALSE(findings.can_generate());
+    EXPECT_THAT(findings.message(),
+                HasSubstr("PARTITION \"BOOT_INFO\": " + setup.path("maker.fw") +
+                          " is damaged: the signature of its maker does not fit; take a good copy of it."));
+}
+
 TEST(signing, a_manifest_holds_the_measurements_and_a_signature_that_verifies)
 {
     SIGNED setup;
