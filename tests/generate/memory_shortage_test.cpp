@@ -1,3 +1,4 @@
+#include "failing_allocation.h"
 #include "generate_job.h"
 #include "msg_service.h"
 #include "parallel.h"
@@ -8,45 +9,10 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <limits>
-#include <new>
 #include <stdexcept>
-
-namespace
-{
-
-/// How many allocations are still to succeed before one fails; negative: none fails.
-std::atomic<long> allocations_left{-1};
-
-bool fails_now()
-{
-    return allocations_left.load(std::memory_order_relaxed) >= 0 && allocations_left.fetch_sub(1) == 0;
-}
-
-} // namespace
-
-// Those of the whole test program.
-void* operator new(std::size_t size)
-{
-    void* const memory = fails_now() ? nullptr : std::malloc(size == 0 ? 1 : size);
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
-    return memory;
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 namespace
 {
@@ -84,15 +50,14 @@ void with_allocations_failing(long step, const std::function<void()>& work, cons
 
 void fill(SETUP_BUILDER& setup)
 {
-    setup.flash("Flash_Device_1", "W25Q32JV");
+    setup.flash("Flash_Device_1", "W25Q16JV");
     setup.bitstream("Bitstream_1");
     setup.partition("Flash_Device_1", "P1");
     setup.assign("P1", "Bitstream_1", "0");
     setup.raw_file("Raw_File_1", "RBF", "data.rbf", "some data");
-    setup.partition("Flash_Device_1", "DATA", "0x00200000", "auto");
+    setup.partition("Flash_Device_1", "DATA", "0x00100000", "auto");
     setup.assign("DATA", "Raw_File_1");
     setup.output("RPD", {}, "Flash_Device_1", {"MAP"});
-    setup.output("POF", {}, "Flash_Device_1", {"SEC_RPD"});
 }
 
 TEST(memory_shortage, at_any_moment_of_a_generation_is_told_and_leaves_no_half_file)

@@ -1,0 +1,9 @@
+#ifndef IMAGEWRIGHT_TESTS_FAILING_ALLOCATION_H
+#define IMAGEWRIGHT_TESTS_FAILING_ALLOCATION_H
+
+#include <atomic>
+
+/// How many allocations of the test program are still to succeed before one fails; negative: none fails.
+extern std::atomic<long> allocations_left;
+
+#endif
