@@ -1,13 +1,13 @@
 #ifndef ID_REGISTER_H
 #define ID_REGISTER_H
 
+#include "id_table.h"
 #include "pgm_common_xml_descriptor.h"
 
 #include <map>
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 /// The ids met so far in a pass over a document, by what they are unique among. The elements must stay as
 /// they are during the pass.
@@ -19,22 +19,9 @@ public:
              std::string& problem);
 
 private:
-    /// Open addressing, at most half full: a node for each of many thousand ids would cost more than reading
-    /// them.
-    struct SLOT {
-        const std::string* id = nullptr; ///< null: free
-        std::size_t hash = 0;
-    };
-    struct TABLE {
-        std::vector<SLOT> slots;
-        std::size_t used = 0;
-        bool insert(const std::string& id);
-        void grow();
-    };
-    static SLOT& find_slot(std::vector<SLOT>& slots, const SLOT& wanted);
-    std::map<std::string_view, TABLE> m_ids;
+    std::map<std::string_view, ID_TABLE> m_ids;
     /// The last one asked for: elements of one kind follow each other in their thousands.
-    std::pair<const std::string_view, TABLE>* m_last = nullptr;
+    std::pair<const std::string_view, ID_TABLE>* m_last = nullptr;
 };
 
 #endif

@@ -43,11 +43,14 @@ bool normalise_word(const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& attribute, std::s
         text = attribute.default_value;
         return true;
     }
+    const auto is_text = [&text](PGM_COMMON_XML_ENUM word) {
+        return text == PGM_COMMON_XML_ENUM_STRING[word];
+    };
+    if (std::any_of(attribute.words.begin(), attribute.words.end(), is_text)) {
+        return true;
+    }
     std::vector<std::string> words;
     for (const PGM_COMMON_XML_ENUM word : attribute.words) {
-        if (text == PGM_COMMON_XML_ENUM_STRING[word]) {
-            return true;
-        }
         words.emplace_back(PGM_COMMON_XML_ENUM_STRING[word]);
     }
     expected = join_words(words);

@@ -2,14 +2,13 @@
 #define SETUP_VIEW_H
 
 #include "dev_family_enum.h"
+#include "id_table.h"
 #include "pgm_common_xml_vek_auto_export.h"
 #include "pgmio_config_scheme.h"
 #include "vek_file_type.h"
 
 #include <cstdint>
 #include <string>
-#include <string_view>
-#include <unordered_map>
 #include <vector>
 
 /// Elements of one kind in document order, found by id in constant time. With two of one id the first counts.
@@ -22,23 +21,27 @@ public:
     void reserve(std::size_t count)
     {
         m_all.reserve(m_all.size() + count);
-        m_by_id.reserve(m_all.size() + count);
+        m_first.reserve(m_all.size() + count);
+        m_ids.reserve(m_all.size() + count);
     }
     void add(const std::string& id, const ELEMENT* element)
     {
         m_all.push_back(element);
-        m_by_id.emplace(id, element);
+        if (m_ids.insert(id)) {
+            m_first.push_back(element);
+        }
     }
     const ELEMENT* find(const std::string& id) const
     {
-        const auto found = m_by_id.find(id);
-        return found == m_by_id.end() ? nullptr : found->second;
+        const auto number = m_ids.find(id);
+        return number ? m_first[*number] : nullptr;
     }
     const std::vector<const ELEMENT*>& all() const { return m_all; }
 
 private:
     std::vector<const ELEMENT*> m_all;
-    std::unordered_map<std::string_view, const ELEMENT*> m_by_id;
+    std::vector<const ELEMENT*> m_first; ///< those without the later ones of an id
+    ID_TABLE m_ids;
 };
 
 /// A setup document as the check and the generation read it: every element at hand by its id, so that a setup
