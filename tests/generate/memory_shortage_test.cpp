@@ -31,101 +31,97 @@ std::vector<std::string> file_names(const SETUP_BUILDER& setup)
     return names;
 }
 
-/// Runs `work` with every `step`th of its allocations failing, one a run; `look` looks at what came of it.
-void with_allocations_failing(long step, const std::function<void()>& work, const std::function<void()>& look)
+/// A setup of a flash image, and what is said about it.
+class memory_shortage : public testing::Test
 {
-    allocations_left = std::numeric_limits<long>::max();
-    work();
-    const long all = std::numeric_limits<long>::max() - allocations_left.exchange(-1);
-    look();
-    ASSERT_GT(all, 0);
-    for (long number = 0; number < all && !testing::Test::HasFailure(); number += step) {
-        allocations_left = number;
-        work();
-        allocations_left = -1;
-        SCOPED_TRACE("allocation " + std::to_string(number) + " of " + std::to_string(all));
-        look();
+protected:
+    memory_shortage()
+    {
+        m_setup.flash("Flash_Device_1", "W25Q16JV");
+        m_setup.bitstream("Bitstream_1");
+        m_setup.partition("Flash_Device_1", "P1");
+        m_setup.assign("P1", "Bitstream_1", "0");
+        m_setup.raw_file("Raw_File_1", "RBF", "data.rbf", "some data");
+        m_setup.partition("Flash_Device_1", "DATA", "0x00100000", "auto");
+        m_setup.assign("DATA", "Raw_File_1");
+        m_setup.output("RPD", {}, "Flash_Device_1", {"MAP"});
     }
-}
 
-void fill(SETUP_BUILDER& setup)
-{
-    setup.flash("Flash_Device_1", "W25Q16JV");
-    setup.bitstream("Bitstream_1");
-    setup.partition("Flash_Device_1", "P1");
-    setup.assign("P1", "Bitstream_1", "0");
-    setup.raw_file("Raw_File_1", "RBF", "data.rbf", "some data");
-    setup.partition("Flash_Device_1", "DATA", "0x00100000", "auto");
-    setup.assign("DATA", "Raw_File_1");
-    setup.output("RPD", {}, "Flash_Device_1", {"MAP"});
-}
-
-TEST(memory_shortage, at_any_moment_of_a_generation_is_told_and_leaves_no_half_file)
-{
-    SETUP_BUILDER setup("ASX1");
-    fill(setup);
-    const std::vector<std::string> inputs = file_names(setup);
-    bool success = false;
-    std::vector<WRITTEN_FILE> written;
-    std::vector<std::string> errors;
-    const MSG_SINK_SCOPE sink([&errors](const MSG_RECORD& record) {
-        if (record.severity == MSG_SEVERITY::ERROR) {
-            errors.push_back(record.text);
+    /// Runs `work` once for each of its allocations, which fails; `look` looks at what came of it.
+    void with_each_allocation_failing(const std::function<bool()>& work, const std::function<void()>& look)
+    {
+        const auto look_at = [&](bool success) {
+            EXPECT_EQ(success, m_errors.empty());
+            EXPECT_THAT(m_errors, Each(HasSubstr("not enough memory")));
+            look();
+            m_errors.clear();
+        };
+        allocations_left = std::numeric_limits<long>::max();
+        const bool success = work();
+        const long all = std::numeric_limits<long>::max() - allocations_left.exchange(-1);
+        EXPECT_TRUE(success);
+        look_at(success);
+        ASSERT_GT(all, 0);
+        for (long number = 0; number < all && !HasFailure(); ++number) {
+            allocations_left = number;
+            const bool still_works = work();
+            allocations_left = -1;
+            SCOPED_TRACE("allocation " + std::to_string(number) + " of " + std::to_string(all));
+            look_at(still_works);
         }
-    });
-    with_allocations_failing(
-        1,
+    }
+
+    SETUP_BUILDER m_setup{"ASX1"};
+
+private:
+    std::vector<std::string> m_errors;
+    const MSG_SINK_SCOPE m_sink{[this](const MSG_RECORD& record) {
+        if (record.severity == MSG_SEVERITY::ERROR) {
+            m_errors.push_back(record.text);
+        }
+    }};
+};
+
+TEST_F(memory_shortage, at_any_moment_of_a_generation_is_told_and_leaves_no_half_file)
+{
+    const std::vector<std::string> inputs = file_names(m_setup);
+    std::vector<WRITTEN_FILE> written;
+    with_each_allocation_failing(
         [&] {
-            success = generate_document(setup.document(), GENERATE_OPTIONS{"", 2}, written);
+            return generate_document(m_setup.document(), GENERATE_OPTIONS{"", 2}, written);
         },
         [&] {
-            EXPECT_EQ(success, errors.empty());
-            EXPECT_THAT(errors, Each(HasSubstr("not enough memory")));
             std::vector<std::string> expected = inputs;
             for (const WRITTEN_FILE& file : written) {
                 expected.push_back(std::filesystem::path(file.path).filename().string());
                 EXPECT_EQ(std::filesystem::file_size(file.path), file.size);
             }
             std::sort(expected.begin(), expected.end());
-            EXPECT_EQ(file_names(setup), expected);
+            EXPECT_EQ(file_names(m_setup), expected);
             for (const WRITTEN_FILE& file : written) {
                 std::filesystem::remove(file.path);
             }
             written.clear();
-            errors.clear();
         });
 }
 
-TEST(memory_shortage, at_any_moment_of_a_verification_is_told)
+TEST_F(memory_shortage, at_any_moment_of_a_verification_is_told)
 {
-    SETUP_BUILDER setup("ASX1");
-    fill(setup);
     std::vector<WRITTEN_FILE> written;
-    ASSERT_TRUE(generate_document(setup.document(), GENERATE_OPTIONS(), written));
-    bool success = false;
+    ASSERT_TRUE(generate_document(m_setup.document(), GENERATE_OPTIONS(), written));
     std::vector<OUTPUT_VERDICT> verdicts;
-    std::vector<std::string> errors;
-    const MSG_SINK_SCOPE sink([&errors](const MSG_RECORD& record) {
-        if (record.severity == MSG_SEVERITY::ERROR) {
-            errors.push_back(record.text);
-        }
-    });
-    with_allocations_failing(
-        1,
+    with_each_allocation_failing(
         [&] {
             VERIFY_OPTIONS options;
             options.threads = 2;
-            success = verify_outputs(setup.document(), options, verdicts);
+            return verify_outputs(m_setup.document(), options, verdicts);
         },
         [&] {
-            EXPECT_EQ(success, errors.empty());
-            EXPECT_THAT(errors, Each(HasSubstr("not enough memory")));
             for (const OUTPUT_VERDICT& verdict : verdicts) {
                 EXPECT_TRUE(verdict.problem.empty() || verdict.problem.find("memory") != std::string::npos)
                     << verdict.problem;
             }
             verdicts.clear();
-            errors.clear();
         });
 }
 
