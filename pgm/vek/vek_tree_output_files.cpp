@@ -21,10 +21,12 @@ public:
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
     {
         QStyledItemDelegate::paint(painter, option, index);
+        if (option.palette.color(QPalette::Base).lightness() >= 128) {
+            return;
+        }
         QStyleOptionViewItem cell = option;
         initStyleOption(&cell, index);
-        if (!cell.features.testFlag(QStyleOptionViewItem::HasCheckIndicator) ||
-            cell.palette.color(QPalette::Base).lightness() >= 128) {
+        if (!cell.features.testFlag(QStyleOptionViewItem::HasCheckIndicator)) {
             return;
         }
         const QRect box =
