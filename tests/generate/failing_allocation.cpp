@@ -18,9 +18,14 @@ bool fails_now()
 // These take the place of the library's in the whole program. Here, where no caller sees their inside, the
 // compiler does not take malloc and free for a pair that does not fit.
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return fails_now() ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
+
 void* operator new(std::size_t size)
 {
-    void* const memory = fails_now() ? nullptr : std::malloc(size == 0 ? 1 : size);
+    void* const memory = operator new(size, std::nothrow);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
@@ -33,6 +38,11 @@ void operator delete(void* memory) noexcept
 }
 
 void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, const std::nothrow_t&) noexcept
 {
     std::free(memory);
 }
