@@ -128,32 +128,37 @@ private:
         }
         const PROGRESS_SCOPE scope(total);
         const std::vector<std::size_t> order = writing_order();
+        std::vector<std::unique_ptr<MSG_BASE>> failures(m_plans.size());
         run_parallel(m_plans.size(), m_options.threads, [&](std::size_t turn) {
             const std::size_t i = order[turn];
             try {
-                write_one(m_plans[i], m_written[i]);
+                failures[i] = write_one(m_plans[i], m_written[i]);
             } catch (const std::bad_alloc&) {
-                // Of a file that stands only the note of it has got lost.
-                if (!m_written[i]) {
-                    report_memory_shortage({m_plans[i]});
-                }
+                // Told below. Of a file that stands only the note of it has got lost.
             }
         });
+        // In the order of the document, whichever came first.
+        for (std::size_t i = 0; i < m_plans.size(); ++i) {
+            if (failures[i]) {
+                vek_report(failures[i].release());
+            } else if (!m_written[i]) {
+                report_memory_shortage({m_plans[i]});
+            }
+        }
     }
 
-    void write_one(const OUTPUT_PLAN& plan, std::optional<WRITTEN_FILE>& written) const
+    /// What has failed; null for a file that stands.
+    std::unique_ptr<MSG_BASE> write_one(const OUTPUT_PLAN& plan, std::optional<WRITTEN_FILE>& written) const
     {
         FORMAT_REQUEST request;
         std::string message;
         const FORMAT* format = find_format(plan.type);
         if (format == nullptr) {
-            vek_report(MSG_VEK::E::CAN_NOT_GENERATE(plan.path));
-            return;
+            return std::unique_ptr<MSG_BASE>(MSG_VEK::E::CAN_NOT_GENERATE(plan.path));
         }
         if (!m_ingredients.make_request(plan, request, message) ||
             !m_ingredients.add_checksums(plan, request, message)) {
-            report_failure(plan, message);
-            return;
+            return failure_of(plan, message);
         }
         const std::unique_ptr<const BYTE_SOURCE> listening = m_ingredients.listening_image(plan);
         std::optional<PROGRESS_SOURCE> watched;
@@ -163,22 +168,23 @@ private:
         const auto file =
             ATOMIC_FILE::create(plan.path, find_format_row(plan.type)->is_secret ? 0600 : 0666, message);
         if (!file || !format->write(request, *file, message)) {
-            report_failure(plan, message);
-            return;
+            return failure_of(plan, message);
         }
         WRITTEN_FILE result{plan.path, plan.type, file->size()};
         const auto back = file->read_back(message);
         if (!back) {
-            report_failure(plan, message);
-        } else if (!format->verify(request, *back, message)) {
-            vek_report(MSG_VEK::E::INTEGRITY_CHECK_ERROR(plan.path + ": " + message));
-        } else if (!file->commit(message)) {
-            report_failure(plan, message);
-        } else {
-            written = std::move(result);
-            vek_report(MSG_VEK::DEBUG_MSG("Wrote %s, %llu bytes", plan.path.c_str(),
-                                          static_cast<unsigned long long>(written->size)));
+            return failure_of(plan, message);
         }
+        if (!format->verify(request, *back, message)) {
+            return std::unique_ptr<MSG_BASE>(MSG_VEK::E::INTEGRITY_CHECK_ERROR(plan.path + ": " + message));
+        }
+        if (!file->commit(message)) {
+            return failure_of(plan, message);
+        }
+        written = std::move(result);
+        vek_report(MSG_VEK::DEBUG_MSG("Wrote %s, %llu bytes", plan.path.c_str(),
+                                      static_cast<unsigned long long>(written->size)));
+        return nullptr;
     }
 
     const SETUP_VIEW m_setup;

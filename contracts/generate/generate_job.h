@@ -31,8 +31,9 @@ struct WRITTEN_FILE {
 ///
 /// `written` lists the files that stand under their final names, in document order, also when others have
 /// failed. A setup that the check refuses in what it says is not begun. Every failure is reported through the
-/// message service; the result is true when all files were written. Relative paths are taken against the
-/// current directory. Any thread; the document must stay as it is meanwhile.
+/// message service, those of outputs in document order; the result is true when all files were written.
+/// Relative paths are taken against the current directory. Any thread; the document must stay as it is
+/// meanwhile.
 bool generate_document(const PGM_COMMON_XML_VEK_VEK& document, const GENERATE_OPTIONS& options,
                        std::vector<WRITTEN_FILE>& written);
 

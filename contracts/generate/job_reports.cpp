@@ -26,9 +26,14 @@ bool report_findings(const FINDINGS& findings)
     return findings.can_generate();
 }
 
+std::unique_ptr<MSG_BASE> failure_of(const OUTPUT_PLAN& plan, const std::string& reason)
+{
+    return std::unique_ptr<MSG_BASE>(MSG_VEK::E::GENERIC_ERROR(plan.path, without_full_stop(reason)));
+}
+
 void report_failure(const OUTPUT_PLAN& plan, const std::string& reason)
 {
-    vek_report(MSG_VEK::E::GENERIC_ERROR(plan.path, without_full_stop(reason)));
+    vek_report(failure_of(plan, reason).release());
 }
 
 void report_memory_shortage(const std::vector<OUTPUT_PLAN>& plans)

@@ -559,6 +559,29 @@ TEST(generate, a_failing_write_leaves_nothing_and_keeps_the_earlier_output)
     }
 }
 
+TEST(generate, failures_are_told_in_the_order_of_the_outputs)
+{
+    SETUP_BUILDER setup("ASX1");
+    active_setup(setup);
+    // The map is written last of all, for its checksums.
+    const std::vector<std::string> files = {"out.rpd", "out_secondary.map", "out.pof", "out_secondary.rpd"};
+    for (const unsigned threads : {1U, 4U}) {
+        const int code = in_child([&] {
+            std::signal(SIGXFSZ, SIG_IGN);
+            const rlimit limit{100, 100};
+            setrlimit(RLIMIT_FSIZE, &limit);
+            const std::vector<std::string> errors = generate(setup, GENERATE_OPTIONS{"", threads}).errors;
+            const bool in_order =
+                std::equal(files.begin(), files.end(), errors.begin(), errors.end(),
+                           [&setup](const std::string& file, const std::string& error) {
+                               return error.find(" " + setup.path(file) + " - ") != std::string::npos;
+                           });
+            return in_order ? 0 : 1 + static_cast<int>(errors.size());
+        });
+        EXPECT_EQ(code, 0) << threads;
+    }
+}
+
 TEST(generate, a_kill_in_the_middle_leaves_no_file_under_a_final_name)
 {
     SETUP_BUILDER setup("ASX1");
