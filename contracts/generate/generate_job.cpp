@@ -66,14 +66,12 @@ public:
         // Once files stand, nothing may keep them from being told.
         written.reserve(written.size() + m_plans.size());
         write_all();
-        bool all = true;
         for (std::optional<WRITTEN_FILE>& file : m_written) {
-            all = all && file.has_value();
             if (file) {
                 written.push_back(std::move(*file));
             }
         }
-        return all;
+        return report_failures();
     }
 
 private:
@@ -128,23 +126,30 @@ private:
         }
         const PROGRESS_SCOPE scope(total);
         const std::vector<std::size_t> order = writing_order();
-        std::vector<std::unique_ptr<MSG_BASE>> failures(m_plans.size());
+        m_failures.resize(m_plans.size());
         run_parallel(m_plans.size(), m_options.threads, [&](std::size_t turn) {
             const std::size_t i = order[turn];
             try {
-                failures[i] = write_one(m_plans[i], m_written[i]);
+                m_failures[i] = write_one(m_plans[i], m_written[i]);
             } catch (const std::bad_alloc&) {
-                // Told below. Of a file that stands only the note of it has got lost.
+                // Told later. Of a file that stands only the note of it has got lost.
             }
         });
-        // In the order of the document, whichever came first.
+    }
+
+    /// In the order of the document, whichever came first; true when there are none.
+    bool report_failures()
+    {
+        bool none = true;
         for (std::size_t i = 0; i < m_plans.size(); ++i) {
-            if (failures[i]) {
-                vek_report(failures[i].release());
+            none = none && m_written[i].has_value();
+            if (m_failures[i]) {
+                vek_report(m_failures[i].release());
             } else if (!m_written[i]) {
                 report_memory_shortage({m_plans[i]});
             }
         }
+        return none;
     }
 
     /// What has failed; null for a file that stands.
@@ -192,6 +197,7 @@ private:
     const std::vector<OUTPUT_PLAN> m_plans;
     INGREDIENTS m_ingredients;
     std::vector<std::optional<WRITTEN_FILE>> m_written;
+    std::vector<std::unique_ptr<MSG_BASE>> m_failures;
 };
 
 } // namespace
@@ -203,7 +209,12 @@ bool generate_document(const PGM_COMMON_XML_VEK_VEK& document, const GENERATE_OP
         return GENERATION(document, options).run(written);
     } catch (const std::bad_alloc&) {
         // What the work held is free again, so that the files can be named.
-        report_memory_shortage(plan_files(SETUP_VIEW(document), options.output_directory));
+        std::vector<OUTPUT_PLAN> missing = plan_files(SETUP_VIEW(document), options.output_directory);
+        std::erase_if(missing, [&written](const OUTPUT_PLAN& plan) {
+            return std::any_of(written.begin(), written.end(),
+                               [&plan](const WRITTEN_FILE& file) { return file.path == plan.path; });
+        });
+        report_memory_shortage(missing);
         return false;
     }
 }

@@ -9,10 +9,14 @@
 
 #include <algorithm>
 #include <atomic>
+#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <limits>
 #include <stdexcept>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace
 {
@@ -103,6 +107,32 @@ TEST_F(memory_shortage, at_any_moment_of_a_generation_is_told_and_leaves_no_half
             }
             written.clear();
         });
+}
+
+TEST_F(memory_shortage, while_another_output_fails_hides_no_file_that_stands)
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        // Room for the map, but not for the image.
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{1 << 20, 1 << 20};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        bool hidden = false;
+        long allocation = 0;
+        for (bool failed = true; failed && !hidden; ++allocation) {
+            std::vector<WRITTEN_FILE> written;
+            allocations_left = allocation;
+            generate_document(m_setup.document(), GENERATE_OPTIONS{"", 1}, written);
+            failed = allocations_left.exchange(-1) < 0;
+            const bool stands = std::filesystem::remove(m_setup.path("out_secondary.map"));
+            hidden = written.size() != (stands ? 1U : 0U);
+        }
+        ::_exit(hidden ? 1 : allocation < 100 ? 2 : 0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 TEST_F(memory_shortage, at_any_moment_of_a_verification_is_told)
