@@ -61,13 +61,7 @@ EXIT_CODE execute_chosen(const std::vector<std::pair<CLI::App*, COMMAND*>>& comm
     for (const auto& [subcommand, command] : commands) {
         if (subcommand->parsed()) {
             const MESSAGE_PRINTER printer(err, options.quiet, options.verbose);
-            try {
-                return command->execute(context);
-            } catch (const std::bad_alloc&) {
-                context.fail("There is not enough memory for " + subcommand->get_name() +
-                             "; end other programs, or run it on a machine with more.");
-                return EXIT_CODE_INPUT_UNREADABLE;
-            }
+            return command->execute(context);
         }
     }
     return EXIT_CODE_USAGE;
@@ -87,6 +81,33 @@ std::vector<std::string> with_convert_spelled_out(std::vector<std::string> argum
         }
     }
     return arguments;
+}
+
+EXIT_CODE parse_and_execute(const std::vector<std::string>& arguments, COMMON_OPTIONS& options,
+                            std::ostream& out, std::ostream& err)
+{
+    CLI::App application(DESCRIPTION, "imagewright-cmd");
+    application.footer(FOOTER);
+    application.set_version_flag("--version", std::string("imagewright-cmd ") + IMAGEWRIGHT_VERSION);
+    application.require_subcommand(1);
+    application.fallthrough();
+    application.get_formatter()->column_width(34);
+    options.declare(application);
+
+    const std::vector<std::unique_ptr<COMMAND>> commands = make_commands();
+    std::vector<std::pair<CLI::App*, COMMAND*>> subcommands;
+    for (const std::unique_ptr<COMMAND>& command : commands) {
+        subcommands.emplace_back(command->declare(application), command.get());
+    }
+
+    try {
+        // The library wants the arguments last first.
+        const std::vector<std::string> words = with_convert_spelled_out(arguments);
+        application.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+    } catch (const CLI::ParseError& error) {
+        return application.exit(error, out, err) == 0 ? EXIT_CODE_DONE : EXIT_CODE_USAGE;
+    }
+    return execute_chosen(subcommands, options, out, err);
 }
 
 } // namespace
@@ -148,28 +169,19 @@ std::string hex_text(std::uint64_t value)
 
 EXIT_CODE run_command_line(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err)
 {
-    CLI::App application(DESCRIPTION, "imagewright-cmd");
-    application.footer(FOOTER);
-    application.set_version_flag("--version", std::string("imagewright-cmd ") + IMAGEWRIGHT_VERSION);
-    application.require_subcommand(1);
-    application.fallthrough();
-    application.get_formatter()->column_width(34);
-
     COMMON_OPTIONS options;
-    options.declare(application);
-
-    const std::vector<std::unique_ptr<COMMAND>> commands = make_commands();
-    std::vector<std::pair<CLI::App*, COMMAND*>> subcommands;
-    for (const std::unique_ptr<COMMAND>& command : commands) {
-        subcommands.emplace_back(command->declare(application), command.get());
-    }
-
+    EXIT_CODE result = EXIT_CODE_USAGE;
     try {
-        // The library wants the arguments last first.
-        const std::vector<std::string> words = with_convert_spelled_out(arguments);
-        application.parse(std::vector<std::string>(words.rbegin(), words.rend()));
-    } catch (const CLI::ParseError& error) {
-        return application.exit(error, out, err) == 0 ? EXIT_CODE_DONE : EXIT_CODE_USAGE;
+        result = parse_and_execute(arguments, options, out, err);
+    } catch (const std::bad_alloc&) {
+        // What the work held is free again, so that this can be told.
+        COMMAND_CONTEXT{out, err, options.json, options.quiet, options.verbose}.fail(
+            "There is not enough memory; end other programs, or run it on a machine with more.");
+        result = EXIT_CODE_INPUT_UNREADABLE;
     }
-    return execute_chosen(subcommands, options, out, err);
+    if (!out.flush()) {
+        err << "imagewright-cmd: The standard output could not be written; make room where it goes to.\n";
+        return result == EXIT_CODE_DONE ? EXIT_CODE_OUTPUT_NOT_WRITTEN : result;
+    }
+    return result;
 }

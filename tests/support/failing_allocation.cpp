@@ -1,16 +1,19 @@
 #include "failing_allocation.h"
 
 #include <cstdlib>
+#include <limits>
 #include <new>
 
 std::atomic<long> allocations_left{-1};
+std::atomic<std::size_t> largest_allocation{std::numeric_limits<std::size_t>::max()};
 
 namespace
 {
 
-bool fails_now()
+bool fails_now(std::size_t size)
 {
-    return allocations_left.load(std::memory_order_relaxed) >= 0 && allocations_left.fetch_sub(1) == 0;
+    return size > largest_allocation.load(std::memory_order_relaxed) ||
+           (allocations_left.load(std::memory_order_relaxed) >= 0 && allocations_left.fetch_sub(1) == 0);
 }
 
 } // namespace
@@ -20,7 +23,7 @@ bool fails_now()
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
-    return fails_now() ? nullptr : std::malloc(size == 0 ? 1 : size);
+    return fails_now(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
 }
 
 void* operator new(std::size_t size)
