@@ -4,6 +4,7 @@
 
 #include <lz4.h>
 #include <zstd.h>
+#include <zstd_errors.h>
 
 #include <algorithm>
 #include <new>
@@ -17,6 +18,8 @@ constexpr int ZSTD_LEVEL = 9;
 
 /// What evens out that one block takes longer than another.
 constexpr std::size_t BLOCKS_AHEAD = 2;
+/// One more is in the works, and one in use.
+constexpr std::size_t BLOCKS_ALL = BLOCKS_AHEAD + 2;
 
 struct FREE_ZSTD {
     void operator()(ZSTD_CCtx* context) const { ZSTD_freeCCtx(context); }
@@ -29,8 +32,11 @@ class FRAME_COMPRESSOR::CODER
 public:
     explicit CODER(STREAM_METHOD method) : m_method(method)
     {
-        if (method == STREAM_METHOD::ZSTD)
+        if (method == STREAM_METHOD::ZSTD) {
             m_zstd.reset(ZSTD_createCCtx());
+            if (!m_zstd)
+                throw std::bad_alloc();
+        }
     }
 
     /// Length of the compressed form, 0 when it would not be smaller than the plain one.
@@ -50,7 +56,12 @@ public:
         case STREAM_METHOD::ZSTD: {
             const std::size_t size = ZSTD_compressCCtx(m_zstd.get(), compressed.data(), compressed.size(),
                                                        plain.data(), plain.size(), ZSTD_LEVEL);
-            return ZSTD_isError(size) != 0 ? 0 : size;
+            if (ZSTD_isError(size) == 0)
+                return size;
+            // The stream must not depend on how much memory the machine has left.
+            if (ZSTD_getErrorCode(size) == ZSTD_error_memory_allocation)
+                throw std::bad_alloc();
+            return 0;
         }
         }
         return 0;
@@ -65,6 +76,9 @@ FRAME_COMPRESSOR::FRAME_COMPRESSOR(const BYTE_SOURCE& source, STREAM_METHOD meth
     : m_source(source), m_method(method), m_last_step(std::move(last_step)),
       m_coder(std::make_unique<CODER>(method))
 {
+    // The other thread is to need no memory for what it hands over.
+    m_ready.reserve(BLOCKS_AHEAD);
+    m_spares.reserve(BLOCKS_ALL);
     // Reading alone is not worth another thread.
     if (m_method != STREAM_METHOD::PLAIN || m_last_step)
         try {
@@ -121,9 +135,9 @@ void FRAME_COMPRESSOR::work_ahead()
         }
         try {
             make_block(result, offset);
-        } catch (const std::bad_alloc&) {
+        } catch (...) {
             result.good = false;
-            result.message = "There is not enough memory for the next block of the bitstream.";
+            result.failure = std::current_exception();
         }
         offset += result.block.plain.size();
         good = result.good;
@@ -147,7 +161,7 @@ FRAME_COMPRESSOR::RESULT FRAME_COMPRESSOR::take(FRAME_BLOCK spare)
         std::unique_lock lock(m_mutex);
         m_changed.wait(lock, [this] { return !m_ready.empty(); });
         result = std::move(m_ready.front());
-        m_ready.pop_front();
+        m_ready.erase(m_ready.begin());
         m_spares.push_back(std::move(spare));
     }
     m_changed.notify_all();
@@ -162,6 +176,9 @@ bool FRAME_COMPRESSOR::next(FRAME_BLOCK& block, std::string& message)
     }
     RESULT result = take(std::move(block));
     block = std::move(result.block);
+    if (result.failure) {
+        std::rethrow_exception(result.failure);
+    }
     if (!result.good) {
         message = result.message;
         return false;

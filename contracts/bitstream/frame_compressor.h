@@ -6,7 +6,7 @@
 #include "stream_reader.h"
 
 #include <condition_variable>
-#include <deque>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -43,7 +43,7 @@ public:
     FRAME_COMPRESSOR& operator=(const FRAME_COMPRESSOR&) = delete;
 
     /// The next block in `block`, whose buffers are used again. False at the end of the source, and, with a
-    /// sentence in `message`, when it cannot be read or memory is short.
+    /// sentence in `message`, when it cannot be read. What the other thread throws comes out of this call.
     bool next(FRAME_BLOCK& block, std::string& message);
     /// Whether the last block has been given out.
     bool at_end() const { return m_at_end; }
@@ -54,6 +54,7 @@ private:
         bool good = false;
         FRAME_BLOCK block;
         std::string message;
+        std::exception_ptr failure;
     };
     void make_block(RESULT& result, std::uint64_t offset) const;
     void work_ahead();
@@ -67,7 +68,7 @@ private:
     bool m_at_end = false;
     std::mutex m_mutex; ///< for the next four
     std::condition_variable m_changed;
-    std::deque<RESULT> m_ready;
+    std::vector<RESULT> m_ready;       ///< the oldest first
     std::vector<FRAME_BLOCK> m_spares; ///< blocks whose buffers wait for use
     bool m_stop = false;
     std::thread m_worker; ///< none where there is nothing to do but to read

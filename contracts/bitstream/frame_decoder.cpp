@@ -4,8 +4,13 @@
 #include <zstd.h>
 
 #include <algorithm>
+#include <new>
 
-FRAME_DECODER::FRAME_DECODER() : m_zstd(ZSTD_createDCtx()) {}
+FRAME_DECODER::FRAME_DECODER() : m_zstd(ZSTD_createDCtx())
+{
+    if (!m_zstd)
+        throw std::bad_alloc();
+}
 
 FRAME_DECODER::~FRAME_DECODER() = default;
 

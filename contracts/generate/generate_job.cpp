@@ -205,13 +205,15 @@ private:
 bool generate_document(const PGM_COMMON_XML_VEK_VEK& document, const GENERATE_OPTIONS& options,
                        std::vector<WRITTEN_FILE>& written)
 {
+    const std::size_t of_others = written.size();
     try {
         return GENERATION(document, options).run(written);
     } catch (const std::bad_alloc&) {
         // What the work held is free again, so that the files can be named.
         std::vector<OUTPUT_PLAN> missing = plan_files(SETUP_VIEW(document), options.output_directory);
-        std::erase_if(missing, [&written](const OUTPUT_PLAN& plan) {
-            return std::any_of(written.begin(), written.end(),
+        std::erase_if(missing, [&written, of_others](const OUTPUT_PLAN& plan) {
+            return std::any_of(std::next(written.begin(), static_cast<std::ptrdiff_t>(of_others)),
+                               written.end(),
                                [&plan](const WRITTEN_FILE& file) { return file.path == plan.path; });
         });
         report_memory_shortage(missing);

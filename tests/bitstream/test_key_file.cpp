@@ -1,4 +1,5 @@
 #include "bitstream_test_support.h"
+#include "memory_scan.h"
 #include "msg_service.h"
 #include "temporary_directory.h"
 #include "vek_key_file_assistant.h"
@@ -7,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -178,61 +178,25 @@ TEST_F(key_file, reports_what_cannot_be_read)
     EXPECT_THAT(reported(m_path), testing::StartsWith("Can't save or open file " + m_path + ": "));
 }
 
-/// One digit of a key that stands nowhere in the program as a text.
-char secret_digit(unsigned place)
-{
-    return "0123456789ABCDEF"[(place * place * 7 + place * 3 + 5) % 16];
-}
-
-/// How often the secret key lies in the writable memory of this process.
-int copies_of_secret()
-{
-    constexpr unsigned DIGITS = 64;
-    std::ifstream maps("/proc/self/maps");
-    const int memory = ::open("/proc/self/mem", O_RDONLY | O_CLOEXEC);
-    EXPECT_GE(memory, 0);
-    int copies = 0;
-    std::vector<char> block;
-    for (std::string line; std::getline(maps, line);) {
-        if (line.find(" rw") == std::string::npos)
-            continue;
-        const std::uint64_t start = std::stoull(line, nullptr, 16);
-        const std::uint64_t end = std::stoull(line.substr(line.find('-') + 1), nullptr, 16);
-        if (end - start > 256 * 1024 * 1024)
-            continue;
-        block.resize(end - start);
-        const ssize_t got = ::pread(memory, block.data(), block.size(), static_cast<off_t>(start));
-        for (ssize_t at = 0; at + DIGITS <= got; ++at) {
-            unsigned same = 0;
-            while (same < DIGITS && block[static_cast<std::size_t>(at) + same] == secret_digit(same))
-                ++same;
-            copies += same == DIGITS ? 1 : 0;
-        }
-        // The block is a copy itself and must not be counted with the next one.
-        std::fill(block.begin(), block.end(), '\0');
-    }
-    ::close(memory);
-    return copies;
-}
-
 TEST_F(key_file, no_copy_of_a_key_stays_in_memory)
 {
     const int file = ::open(m_path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
     ASSERT_GE(file, 0);
     ASSERT_EQ(::write(file, "a ", 2), 2);
-    for (unsigned place = 0; place < 64; ++place) {
-        const char digit = secret_digit(place);
+    const SECRET_DIGITS secret(1);
+    for (int place = 0; place < SECRET_DIGITS::COUNT; ++place) {
+        const char digit = secret.digit(place);
         ASSERT_EQ(::write(file, &digit, 1), 1);
     }
     // A copy is made and wiped on each way: accepted and refused.
     EXPECT_TRUE(VEK_KEY_FILE_ASSISTANT::parse_key_file(m_path, 256, m_keys));
-    EXPECT_EQ(copies_of_secret(), 1) << "the one that the caller holds";
+    EXPECT_EQ(count_in_memory(secret), 1) << "the one that the caller holds";
     VEK_KEY_FILE_ASSISTANT::wipe_keys(m_keys);
     EXPECT_TRUE(m_keys.empty());
-    EXPECT_EQ(copies_of_secret(), 0);
+    EXPECT_EQ(count_in_memory(secret), 0);
     ASSERT_EQ(::write(file, "\nb 1\n", 5), 5);
     EXPECT_FALSE(VEK_KEY_FILE_ASSISTANT::parse_key_file(m_path, 256, m_keys));
-    EXPECT_EQ(copies_of_secret(), 0);
+    EXPECT_EQ(count_in_memory(secret), 0);
     ::close(file);
 }
 

@@ -22,6 +22,7 @@ namespace
 {
 
 using testing::Each;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -77,8 +78,9 @@ protected:
 
     SETUP_BUILDER m_setup{"ASX1"};
 
-private:
     std::vector<std::string> m_errors;
+
+private:
     const MSG_SINK_SCOPE m_sink{[this](const MSG_RECORD& record) {
         if (record.severity == MSG_SEVERITY::ERROR) {
             m_errors.push_back(record.text);
@@ -107,6 +109,16 @@ TEST_F(memory_shortage, at_any_moment_of_a_generation_is_told_and_leaves_no_half
             }
             written.clear();
         });
+}
+
+TEST_F(memory_shortage, is_told_of_files_that_stand_from_an_earlier_time)
+{
+    std::vector<WRITTEN_FILE> written;
+    ASSERT_TRUE(generate_document(m_setup.document(), GENERATE_OPTIONS(), written));
+    allocations_left = 10;
+    EXPECT_FALSE(generate_document(m_setup.document(), GENERATE_OPTIONS(), written));
+    EXPECT_THAT(m_errors, ElementsAre(HasSubstr("out.rpd"), HasSubstr("out_secondary.map")));
+    EXPECT_EQ(written.size(), 2U);
 }
 
 TEST_F(memory_shortage, while_another_output_fails_hides_no_file_that_stands)
