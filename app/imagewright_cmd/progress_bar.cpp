@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <system_error>
 #include <unistd.h>
 
 namespace
@@ -46,8 +47,12 @@ PROGRESS_BAR::PROGRESS_BAR(bool wanted) : PROGRESS_BAR(wanted, line_of_back_end)
 PROGRESS_BAR::PROGRESS_BAR(bool wanted, LINE line) : m_line(std::move(line))
 {
     if (wanted && ::isatty(STDERR_FILENO) != 0) {
-        draw();
-        m_thread = std::thread(&PROGRESS_BAR::draw_until_done, this);
+        try {
+            m_thread = std::thread(&PROGRESS_BAR::draw_until_done, this);
+            draw();
+        } catch (const std::system_error&) {
+            // The machine has no more threads to give: the work is done without a bar.
+        }
     }
 }
 

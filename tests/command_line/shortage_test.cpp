@@ -1,5 +1,7 @@
 #include "command_run.h"
 #include "failing_allocation.h"
+#include "failing_threads.h"
+#include "progress_bar.h"
 
 #include <gmock/gmock.h>
 
@@ -7,8 +9,11 @@
 #include <filesystem>
 #include <limits>
 #include <ostream>
+#include <poll.h>
+#include <pty.h>
 #include <sstream>
 #include <streambuf>
+#include <unistd.h>
 
 namespace
 {
@@ -94,6 +99,48 @@ TEST(standard_output, that_takes_nothing_is_told)
     // A worse answer stays, and one that says nothing on the standard output is not concerned.
     out.clear();
     EXPECT_EQ(run_command_line({"generate", "missing.vek"}, out, err), EXIT_CODE_INPUT_UNREADABLE);
+}
+
+/// In the place of the error stream while it lives.
+class TERMINAL
+{
+public:
+    TERMINAL() : m_error_stream(::dup(STDERR_FILENO))
+    {
+        int program = -1;
+        EXPECT_EQ(::openpty(&m_screen, &program, nullptr, nullptr, nullptr), 0);
+        ::dup2(program, STDERR_FILENO);
+        ::close(program);
+    }
+    ~TERMINAL()
+    {
+        ::dup2(m_error_stream, STDERR_FILENO);
+        ::close(m_error_stream);
+        ::close(m_screen);
+    }
+    TERMINAL(const TERMINAL&) = delete;
+    TERMINAL& operator=(const TERMINAL&) = delete;
+
+    bool shows_something() const
+    {
+        pollfd screen{m_screen, POLLIN, 0};
+        return ::poll(&screen, 1, 0) == 1;
+    }
+
+private:
+    int m_error_stream;
+    int m_screen = -1;
+};
+
+TEST(progress_bar, stays_away_where_no_thread_can_be_started)
+{
+    for (const int given : {0, THREADS_ENOUGH}) {
+        const TERMINAL terminal;
+        threads_left = given;
+        const PROGRESS_BAR bar(true, [] { return progress_line(50, "half"); });
+        threads_left = THREADS_ENOUGH;
+        EXPECT_EQ(terminal.shows_something(), given != 0);
+    }
 }
 
 } // namespace
