@@ -33,6 +33,13 @@ if(IMAGEWRIGHT_SANITIZERS)
     add_link_options(-fsanitize=${IMAGEWRIGHT_SANITIZERS})
 endif()
 
+# Relocations of pointers within a library as a bitmap: a small part of the file pages to read at each start.
+include(CheckLinkerFlag)
+check_linker_flag(CXX LINKER:-z,pack-relative-relocs IMAGEWRIGHT_PACKS_RELOCATIONS)
+if(IMAGEWRIGHT_PACKS_RELOCATIONS)
+    add_link_options(LINKER:-z,pack-relative-relocs)
+endif()
+
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
     # Precompiled headers are cached only when ccache may ignore their time stamps; the base directory lets build

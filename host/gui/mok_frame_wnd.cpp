@@ -19,7 +19,6 @@
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QRegularExpression>
 #include <QScreen>
 #include <QStatusBar>
 #include <QToolBar>
@@ -44,6 +43,18 @@ bool is_one_file(const QString& left, const QString& right)
     return stat(left.toLocal8Bit().constData(), &left_stat) == 0 &&
            stat(right.toLocal8Bit().constData(), &right_stat) == 0 && left_stat.st_dev == right_stat.st_dev &&
            left_stat.st_ino == right_stat.st_ino;
+}
+
+/// Lower-case letters and underscores, as settings and style sheets want names.
+QString object_name_of(const QString& category)
+{
+    QString name = category.toLower();
+    for (QChar& letter : name) {
+        if (letter < QLatin1Char('a') || letter > QLatin1Char('z')) {
+            letter = QLatin1Char('_');
+        }
+    }
+    return name;
 }
 
 /// The one file of a drop that carries the extension, or an empty text.
@@ -127,9 +138,7 @@ void MOK_FRAME_WND::update_toolbar(const QString& category, const QList<QAction*
     QPointer<QToolBar>& toolbar = m_toolbars[category];
     if (toolbar == nullptr) {
         toolbar = new QToolBar(tr(category.toLatin1().constData()), this);
-        toolbar->setObjectName(
-            category.toLower().replace(QRegularExpression(QStringLiteral("[^a-z]")), QStringLiteral("_")) +
-            QStringLiteral("_toolbar"));
+        toolbar->setObjectName(object_name_of(category) + QStringLiteral("_toolbar"));
         addToolBar(toolbar);
     }
     toolbar->clear();

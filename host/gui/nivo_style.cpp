@@ -2,7 +2,52 @@
 
 #include "nivo_icon.h"
 
+#include <QAbstractScrollArea>
+#include <QPainter>
+#include <QStyleOptionFrame>
 #include <QStyleOptionHeader>
+
+namespace
+{
+
+/// The pixels between two corners, both included.
+void fill(QPainter& painter, const QColor& color, int left, int top, int right, int bottom)
+{
+    painter.fillRect(QRect(QPoint(left, top), QPoint(right, bottom)), color);
+}
+
+void fill_outline(QPainter& painter, const QColor& color, const QRect& rect)
+{
+    fill(painter, color, rect.left(), rect.top(), rect.right(), rect.top());
+    fill(painter, color, rect.left(), rect.bottom(), rect.right(), rect.bottom());
+    fill(painter, color, rect.left(), rect.top() + 1, rect.left(), rect.bottom() - 1);
+    fill(painter, color, rect.right(), rect.top() + 1, rect.right(), rect.bottom() - 1);
+}
+
+/// What the lines of a groove, two on each side, do not fill yet.
+constexpr int SMALLEST_GROOVE = 5;
+
+/// A groove, its shadow above and to the left.
+void fill_groove(QPainter& painter, const QPalette& palette, const QRect& rect)
+{
+    const QColor light = palette.light().color();
+    fill_outline(painter, palette.dark().color(), rect.adjusted(0, 0, -1, -1));
+    fill(painter, light, rect.left() + 1, rect.top() + 1, rect.right() - 2, rect.top() + 1);
+    fill(painter, light, rect.left() + 1, rect.top() + 2, rect.left() + 1, rect.bottom() - 2);
+    fill(painter, light, rect.left(), rect.bottom(), rect.right(), rect.bottom());
+    fill(painter, light, rect.right(), rect.top(), rect.right(), rect.bottom() - 1);
+}
+
+void fill_horizontal_groove(QPainter& painter, const QPalette& palette, const QRect& rect)
+{
+    const int top = rect.top() + rect.height() / 2 - 1;
+    fill(painter, palette.dark().color(), rect.left(), top, rect.right(), top);
+    fill(painter, palette.light().color(), rect.left(), top + 1, rect.right() - 1, top + 1);
+}
+
+} // namespace
+
+NIVO_STYLE::NIVO_STYLE() : m_fills_frames(baseStyle()->inherits("QFusionStyle")) {}
 
 QIcon NIVO_STYLE::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const
 {
@@ -26,4 +71,34 @@ QSize NIVO_STYLE::sizeFromContents(ContentsType type, const QStyleOption* option
     QStyleOptionHeader drawn(*head);
     drawn.fontMetrics = widget->fontMetrics();
     return QProxyStyle::sizeFromContents(type, &drawn, size, widget);
+}
+
+void NIVO_STYLE::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                               const QWidget* widget) const
+{
+    if (element == PE_Frame && m_fills_frames &&
+        qobject_cast<const QAbstractScrollArea*>(widget) != nullptr) {
+        fill_outline(*painter, option->palette.window().color().darker(140).lighter(108), option->rect);
+        return;
+    }
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+}
+
+void NIVO_STYLE::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                             const QWidget* widget) const
+{
+    const auto* const frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+    if (element == CE_ShapedFrame && m_fills_frames && frame != nullptr && frame->lineWidth == 1 &&
+        frame->midLineWidth == 0 && frame->state.testFlag(State_Sunken)) {
+        if (frame->frameShape == QFrame::Box && frame->rect.width() >= SMALLEST_GROOVE &&
+            frame->rect.height() >= SMALLEST_GROOVE) {
+            fill_groove(*painter, frame->palette, frame->rect);
+            return;
+        }
+        if (frame->frameShape == QFrame::HLine) {
+            fill_horizontal_groove(*painter, frame->palette, frame->rect);
+            return;
+        }
+    }
+    QProxyStyle::drawControl(element, option, painter, widget);
 }

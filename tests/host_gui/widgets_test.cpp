@@ -7,7 +7,6 @@
 #include "nivo_hex_edit.h"
 #include "nivo_icon.h"
 #include "nivo_safe_connect.h"
-#include "nivo_style.h"
 #include "nivo_tree_view.h"
 #include "nivo_wait_cursor.h"
 #include "progress.h"
@@ -15,7 +14,6 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
-#include <QHeaderView>
 #include <QHelpEvent>
 #include <QImage>
 #include <QLabel>
@@ -24,8 +22,6 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStandardItemModel>
-#include <QStyleOptionButton>
-#include <QStyleOptionHeader>
 #include <QTest>
 #include <QTimer>
 #include <QToolTip>
@@ -471,38 +467,6 @@ TEST(ICON_TEST, every_icon_stands_out_on_light_and_dark_backgrounds_and_differs_
         EXPECT_EQ(pictures.size(), 13u);
     }
     QApplication::setPalette(before);
-}
-
-TEST(ICON_TEST, bars_that_are_too_long_continue_with_the_hosts_icons_and_the_rest_is_the_desktops)
-{
-    const NIVO_STYLE style;
-    const auto picture = [](const QIcon& icon) { return icon.pixmap(32, 32).toImage(); };
-    EXPECT_EQ(picture(style.standardIcon(QStyle::SP_ToolBarHorizontalExtensionButton)),
-              picture(nivo_get_icon(NIVO_ICON_MORE_ASIDE)));
-    EXPECT_EQ(picture(style.standardIcon(QStyle::SP_ToolBarVerticalExtensionButton)),
-              picture(nivo_get_icon(NIVO_ICON_MORE_BELOW)));
-    EXPECT_EQ(picture(style.standardIcon(QStyle::SP_MessageBoxWarning)),
-              picture(style.baseStyle()->standardIcon(QStyle::SP_MessageBoxWarning)));
-}
-
-TEST(STYLE_TEST, heads_of_columns_are_measured_in_the_font_that_they_are_drawn_in)
-{
-    const NIVO_STYLE style;
-    const QHeaderView head(Qt::Horizontal);
-    QFont bold = head.font();
-    bold.setBold(true);
-    QStyleOptionHeader option;
-    option.text = QStringLiteral("A rather long name of a column");
-    option.fontMetrics = QFontMetrics(bold);
-    const QSize measured = style.sizeFromContents(QStyle::CT_HeaderSection, &option, QSize(), &head);
-    option.fontMetrics = head.fontMetrics();
-    EXPECT_EQ(measured,
-              style.baseStyle()->sizeFromContents(QStyle::CT_HeaderSection, &option, QSize(), &head));
-    EXPECT_FALSE(head.highlightSections());
-    const QPushButton button(option.text);
-    QStyleOptionButton other;
-    EXPECT_EQ(style.sizeFromContents(QStyle::CT_PushButton, &other, QSize(20, 20), &button),
-              style.baseStyle()->sizeFromContents(QStyle::CT_PushButton, &other, QSize(20, 20), &button));
 }
 
 TEST(ICON_TEST, numbers_that_dialogs_ask_for_are_the_hosts)
