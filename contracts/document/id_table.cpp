@@ -47,7 +47,7 @@ void ID_TABLE::spread(std::size_t slots)
 void ID_TABLE::reserve(std::size_t count)
 {
     m_ids.reserve(count);
-    const std::size_t slots = std::bit_ceil(2 * count);
+    const std::size_t slots = std::bit_ceil(count + count / 3 + 1);
     if (slots > m_slots.size()) {
         spread(slots);
     }
@@ -55,7 +55,7 @@ void ID_TABLE::reserve(std::size_t count)
 
 bool ID_TABLE::insert(const std::string& id)
 {
-    if (2 * (m_ids.size() + 1) > m_slots.size()) {
+    if (4 * (m_ids.size() + 1) > 3 * m_slots.size()) {
         spread(m_slots.empty() ? FIRST_SLOTS : 4 * m_slots.size());
     }
     const std::uint32_t hash = hash_of(id);
@@ -70,9 +70,17 @@ bool ID_TABLE::insert(const std::string& id)
 
 std::optional<std::size_t> ID_TABLE::find(const std::string& id) const
 {
-    if (m_slots.empty()) {
-        return std::nullopt;
+    std::size_t number = m_next.load(std::memory_order_relaxed);
+    if (number >= m_ids.size() || *m_ids[number] != id) {
+        if (m_slots.empty()) {
+            return std::nullopt;
+        }
+        const SLOT& slot = m_slots[find_slot(id, hash_of(id))];
+        if (slot.number == 0) {
+            return std::nullopt;
+        }
+        number = slot.number - 1;
     }
-    const SLOT& slot = m_slots[find_slot(id, hash_of(id))];
-    return slot.number == 0 ? std::nullopt : std::optional<std::size_t>(slot.number - 1);
+    m_next.store(number + 1, std::memory_order_relaxed);
+    return number;
 }

@@ -1,6 +1,7 @@
 #ifndef ID_TABLE_H
 #define ID_TABLE_H
 
+#include <atomic>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,8 +10,10 @@
 /// Distinct ids by their number, in the order in which they came, found in constant time. The ids themselves
 /// stay with their owners, which must keep them as they are.
 ///
-/// Open addressing, at most half full: with a node for each of many thousand ids the search would cost more
-/// than reading them from the file.
+/// Open addressing, at most three quarters full: with a node for each of many thousand ids the search would
+/// cost more than reading them from the file. Who asks for the ids in their order finds each behind the last
+/// one, without a search: a list of references as a rule stands in the order of what it refers to. Any number
+/// of threads may ask at a time.
 class ID_TABLE
 {
 public:
@@ -29,7 +32,8 @@ private:
     void spread(std::size_t slots);
 
     std::vector<const std::string*> m_ids;
-    std::vector<SLOT> m_slots; ///< a power of two of them
+    std::vector<SLOT> m_slots;                  ///< a power of two of them
+    mutable std::atomic<std::size_t> m_next{0}; ///< behind the one found last
 };
 
 #endif

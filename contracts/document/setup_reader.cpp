@@ -184,7 +184,7 @@ private:
                       tag_of(descriptor) + ", which is a secret; remove it";
             return false;
         }
-        if (row.type == PGM_XML_TYPE_BOOL || row.type == PGM_XML_TYPE_WORD) {
+        if (is_of_listed_words(row.type)) {
             std::string value(text);
             std::string expected;
             if (!normalise_value(row, value, expected)) {

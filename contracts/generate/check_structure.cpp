@@ -28,7 +28,7 @@ std::string wanted_value(const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& attribute, c
         return "a decimal number below 4294967296";
     }
     std::string expected;
-    if (attribute.type == PGM_XML_TYPE_BOOL || attribute.type == PGM_XML_TYPE_WORD) {
+    if (is_of_listed_words(attribute.type)) {
         std::string normal = value;
         normalise_value(attribute, normal, expected);
     }
