@@ -36,8 +36,15 @@ PGM_COMMON_XML_VEK_CMD_PARAM_ENUM find_key_param(std::span<const PGM_COMMON_XML_
 std::array<KEY_ROW, VEK_CMD_PARAM_MAX> find_all_keys()
 {
     std::array<KEY_ROW, VEK_CMD_PARAM_MAX> keys{};
+    std::span<const PGM_COMMON_XML_ENUM> path;
     for (std::uint32_t number = VEK_CMD_PARAM_INVALID + 1; number < VEK_CMD_PARAM_MAX; ++number) {
         const auto& row = pgm_common_xml_vek_param(static_cast<PGM_COMMON_XML_VEK_CMD_PARAM_ENUM>(number));
+        // The parameters of an element stand together.
+        if (std::ranges::equal(row.elements, path)) {
+            keys[number] = keys[number - 1];
+            continue;
+        }
+        path = row.elements;
         VEK_ASSERT(row.elements.size() <= DEEPEST_PATH);
         for (std::size_t level = 0; level < row.elements.size(); ++level) {
             keys[number][level] = find_key_param(row.elements.first(level + 1));

@@ -16,11 +16,21 @@ inline void nivo_pass_hand_over_point()
     passes.fetch_add(1, std::memory_order_acq_rel);
 }
 
-/// Runs the task on a thread of the pool. Whoever takes the result, in the slot of a watcher, calls
-/// nivo_pass_hand_over_point() first.
+/// Whether the machine has a thread left to start. The pool does not look, and would keep a task for ever.
+bool nivo_has_thread();
+
+/// Runs the task on a thread of the pool; where there is none left here and now, while the window waits.
+/// Whoever takes the result, in the slot of a watcher, calls nivo_pass_hand_over_point() first.
 template <class TASK>
 auto nivo_run_in_background(TASK task)
 {
+    if (!nivo_has_thread()) {
+        QFutureInterface<decltype(task())> promise;
+        promise.reportStarted();
+        const auto result = task();
+        promise.reportFinished(&result);
+        return promise.future();
+    }
     // The task stands outside what Qt copies, so that it is complete before the point is passed. The pool
     // runs all that it takes.
     TASK* const held = new TASK(std::move(task));

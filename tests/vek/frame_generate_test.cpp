@@ -1,3 +1,4 @@
+#include "failing_threads.h"
 #include "fio_file_system.h"
 #include "gfpdb_mgr.h"
 #include "mok_ui_mgr.h"
@@ -162,6 +163,27 @@ TEST_F(VEK_FRAME_GENERATE, every_run_ends_with_one_dialog_also_after_a_failure)
     EXPECT_EQ(answers.boxes().at(0).icon, QMessageBox::Critical);
     EXPECT_EQ(answers.boxes().at(1).text, QStringLiteral("Successfully generated output file(s)."));
     EXPECT_EQ(answers.boxes().at(2).text, QStringLiteral("Successfully generated output file(s)."));
+}
+
+TEST_F(VEK_FRAME_GENERATE, a_machine_without_threads_does_it_in_the_window)
+{
+    const auto frame = make_frame();
+    let_check_say(true, true, "");
+    QThread* used = nullptr;
+    vek_util_double().generate = [&used](PGM_COMMON_XML_VEK_VEK*) {
+        used = QThread::currentThread();
+        return true;
+    };
+    MODAL_ANSWERS answers;
+    answers.click(QMessageBox::Ok);
+    threads_left = 0;
+    press(*frame);
+    threads_left = THREADS_ENOUGH;
+    finish(*frame);
+    EXPECT_EQ(used, frame->thread());
+    ASSERT_EQ(answers.boxes().size(), 1);
+    EXPECT_EQ(answers.boxes().at(0).text, QStringLiteral("Successfully generated output file(s)."));
+    EXPECT_TRUE(are_entries_enabled(*frame, true));
 }
 
 TEST_F(VEK_FRAME_GENERATE, it_works_relative_to_the_directory_of_the_host)
