@@ -17,21 +17,26 @@ std::string id_of(const PGM_COMMON_XML_ELEMENT& element, const PGM_COMMON_XML_EL
     return descriptor.key == PGM_COMMON_XML_NO_KEY ? "" : pgm_common_xml_read(element, descriptor.key);
 }
 
-/// Empty when the value is legal, else what is wanted. Addresses are the business of the layout.
+/// Whether values of the type can be wrong by themselves. Addresses are the business of the layout.
+constexpr bool is_judged_alone(PGM_XML_TYPE type)
+{
+    return type == PGM_XML_TYPE_DECIMAL || is_of_listed_words(type);
+}
+
+/// Empty when the value is legal, else what is wanted.
 std::string wanted_value(const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& attribute, const std::string& value)
 {
-    std::uint64_t number = 0;
     if (value.empty()) {
         return "";
     }
-    if (attribute.type == PGM_XML_TYPE_DECIMAL && (!parse_decimal(value, number) || number > 0xFFFFFFFF)) {
-        return "a decimal number below 4294967296";
+    if (attribute.type == PGM_XML_TYPE_DECIMAL) {
+        std::uint64_t number = 0;
+        return parse_decimal(value, number) && number <= 0xFFFFFFFF ? ""
+                                                                    : "a decimal number below 4294967296";
     }
+    std::string normal = value;
     std::string expected;
-    if (is_of_listed_words(attribute.type)) {
-        std::string normal = value;
-        normalise_value(attribute, normal, expected);
-    }
+    normalise_value(attribute, normal, expected);
     return expected;
 }
 
@@ -101,9 +106,13 @@ private:
             return;
         }
         const PLACE place{parent, element, *descriptor};
-        int index = 0;
+        int index = -1;
         for (const PGM_COMMON_XML_ATTRIBUTE_DESCRIPTOR& attribute : descriptor->attributes) {
-            const std::string& value = pgm_common_xml_read(element, index++);
+            ++index;
+            if (!is_judged_alone(attribute.type)) {
+                continue;
+            }
+            const std::string& value = pgm_common_xml_read(element, index);
             const std::string wanted = wanted_value(attribute, value);
             if (!wanted.empty()) {
                 m_findings.add(FINDING_VALUE_ILLEGAL, place.label(),
