@@ -9,7 +9,7 @@
 namespace
 {
 
-constexpr int QUARTER = SECRET_DIGITS::COUNT / 4;
+constexpr int QUARTER = SECRET_DIGITS::QUARTER;
 /// What a sanitizer reserves beyond this is no memory of the program.
 constexpr std::uintptr_t LARGEST_MAPPING = std::uintptr_t{1} << 30;
 
@@ -26,8 +26,8 @@ __attribute__((no_sanitize("address", "thread"))) int match(const SECRET_DIGITS&
     return length;
 }
 
-__attribute__((no_sanitize("address", "thread"))) int count_in(const SECRET_DIGITS& secret, const char* begin,
-                                                               const char* end)
+__attribute__((no_sanitize("address", "thread"))) int count_in(const SECRET_DIGITS& secret, int least,
+                                                               const char* begin, const char* end)
 {
     char first_digits[5] = "";
     for (int quarter = 0; quarter < 4; ++quarter) {
@@ -42,7 +42,7 @@ __attribute__((no_sanitize("address", "thread"))) int count_in(const SECRET_DIGI
         for (const std::ptrdiff_t width : {1, 2}) {
             for (int place = 0; place < SECRET_DIGITS::COUNT; place += QUARTER) {
                 const int length = match(secret, address, end, place, width);
-                if (length >= QUARTER) {
+                if (length >= least) {
                     ++count;
                     address += length * width - 1;
                     break;
@@ -63,7 +63,7 @@ char SECRET_DIGITS::digit(int place) const
     return "0123456789ABCDEF"[mixed >> 60];
 }
 
-int count_in_memory(const SECRET_DIGITS& secret)
+int count_in_memory(const SECRET_DIGITS& secret, int least)
 {
     int count = 0;
     std::FILE* const maps = std::fopen("/proc/self/maps", "r");
@@ -75,8 +75,8 @@ int count_in_memory(const SECRET_DIGITS& secret)
         if (std::sscanf(line, "%" SCNxPTR "-%" SCNxPTR " %4s", &begin, &end, rights) == 3 &&
             std::strncmp(rights, "rw", 2) == 0 && end - begin <= LARGEST_MAPPING &&
             std::strstr(line, "/dev/") == nullptr) {
-            count +=
-                count_in(secret, reinterpret_cast<const char*>(begin), reinterpret_cast<const char*>(end));
+            count += count_in(secret, least, reinterpret_cast<const char*>(begin),
+                              reinterpret_cast<const char*>(end));
         }
     }
     if (maps != nullptr) {

@@ -9,6 +9,7 @@ class SECRET_DIGITS
 {
 public:
     static constexpr int COUNT = 64;
+    static constexpr int QUARTER = COUNT / 4;
 
     explicit SECRET_DIGITS(std::uint64_t seed) : m_seed(seed) {}
     /// Upper case, as the keypad enters them.
@@ -18,8 +19,8 @@ private:
     std::uint64_t m_seed;
 };
 
-/// How often a quarter of the key or more stands in the writable memory of this process, as bytes or as
-/// UTF-16. A place in which several quarters follow each other counts once.
-int count_in_memory(const SECRET_DIGITS& secret);
+/// How often `least` digits or more from the start of a quarter on stand in the writable memory of this
+/// process, as bytes and as UTF-16. A place in which several quarters follow each other counts once.
+int count_in_memory(const SECRET_DIGITS& secret, int least = SECRET_DIGITS::QUARTER);
 
 #endif
