@@ -7,6 +7,8 @@
 #include <QStyleOptionFrame>
 #include <QStyleOptionHeader>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -14,6 +16,19 @@ namespace
 void fill(QPainter& painter, const QColor& color, int left, int top, int right, int bottom)
 {
     painter.fillRect(QRect(QPoint(left, top), QPoint(right, bottom)), color);
+}
+
+/// The outline of what stands out of the window or is let into it.
+QColor outline_of(const QPalette& palette)
+{
+    return palette.window().color().darker(140);
+}
+
+/// Lighter than a dark window, darker than a light one.
+QColor color_of_button_that_is_on(const QPalette& palette)
+{
+    const QColor color = palette.button().color();
+    return color.lighter(100 + std::max(1, (180 - qGray(color.rgb())) / 6)).darker(110);
 }
 
 void fill_outline(QPainter& painter, const QColor& color, const QRect& rect)
@@ -78,7 +93,14 @@ void NIVO_STYLE::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
 {
     if (element == PE_Frame && m_fills_frames &&
         qobject_cast<const QAbstractScrollArea*>(widget) != nullptr) {
-        fill_outline(*painter, option->palette.window().color().darker(140).lighter(108), option->rect);
+        fill_outline(*painter, outline_of(option->palette).lighter(108), option->rect);
+        return;
+    }
+    const bool is_at_rest = !option->state.testFlag(State_MouseOver) && !option->state.testFlag(State_Sunken);
+    if (element == PE_PanelButtonTool && m_fills_frames && is_at_rest &&
+        option->state.testFlag(State_AutoRaise) && option->state.testFlag(State_On)) {
+        painter->fillRect(option->rect, color_of_button_that_is_on(option->palette));
+        fill_outline(*painter, outline_of(option->palette), option->rect);
         return;
     }
     QProxyStyle::drawPrimitive(element, option, painter, widget);

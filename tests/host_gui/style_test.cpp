@@ -9,6 +9,8 @@
 #include <QStyleFactory>
 #include <QStyleOptionButton>
 #include <QStyleOptionHeader>
+#include <QStyleOptionToolButton>
+#include <QToolButton>
 #include <QTreeView>
 #include <gtest/gtest.h>
 
@@ -90,6 +92,37 @@ TEST(STYLE_TEST, frames_look_as_the_desktops_to_the_pixel)
             EXPECT_EQ(picture_of(view, &style, size, palette),
                       picture_of(view, desktops.get(), size, palette));
         }
+    }
+}
+
+TEST(STYLE_TEST, a_flat_button_that_is_on_stands_out_and_else_looks_as_the_desktops)
+{
+    const NIVO_STYLE style;
+    const std::unique_ptr<QStyle> desktops(QStyleFactory::create(QStringLiteral("Fusion")));
+    QToolButton button;
+    const auto picture = [&button](const QStyle& drawn_by, QStyle::State state) {
+        QStyleOptionToolButton option;
+        option.initFrom(&button);
+        option.rect = QRect(0, 0, 60, 24);
+        option.state = state | QStyle::State_Enabled | QStyle::State_AutoRaise;
+        QImage image(option.rect.size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(option.palette.window().color());
+        QPainter painter(&image);
+        drawn_by.drawPrimitive(QStyle::PE_PanelButtonTool, &option, &painter, &button);
+        return image;
+    };
+    const QImage on = picture(style, QStyle::State_On);
+    const QColor window = button.palette().window().color();
+    button.setPalette(QPalette(QColor(50, 52, 56)));
+    EXPECT_GT(picture(style, QStyle::State_On).pixelColor(30, 12).lightness(),
+              button.palette().window().color().lightness());
+    EXPECT_LT(on.pixelColor(30, 12).lightness(), window.lightness());
+    EXPECT_LT(on.pixelColor(0, 0).lightness(), on.pixelColor(30, 12).lightness());
+    EXPECT_EQ(on.pixelColor(0, 0), on.pixelColor(59, 23));
+    for (const QStyle::State state :
+         {QStyle::State(QStyle::State_Off), QStyle::State_On | QStyle::State_MouseOver,
+          QStyle::State_On | QStyle::State_Sunken, QStyle::State_Off | QStyle::State_Raised}) {
+        EXPECT_EQ(picture(style, state), picture(*desktops, state)) << static_cast<int>(state);
     }
 }
 
