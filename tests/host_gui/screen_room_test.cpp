@@ -59,8 +59,8 @@ protected:
     }
 
     QDialog m_dialog;
-    QWidget* m_form = new QWidget;
-    QPushButton* m_button = new QPushButton(QStringLiteral("OK"));
+    QWidget* m_form = new QWidget(&m_dialog);
+    QPushButton* m_button = new QPushButton(QStringLiteral("OK"), &m_dialog);
     QList<QComboBox*> m_combos;
 };
 
