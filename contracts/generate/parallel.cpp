@@ -4,7 +4,6 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -35,8 +34,8 @@ void run_parallel(std::size_t count, unsigned threads, const std::function<void(
             while (others.size() + 1 < workers) {
                 others.emplace_back(run);
             }
-        } catch (const std::system_error&) {
-            // The machine has no more threads to give; those that there are do the work.
+        } catch (const std::exception&) {
+            // The machine has no thread or no memory for one more; those that there are do the work.
         }
         run();
     }

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <functional>
 #include <limits>
+#include <new>
 #include <stdexcept>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -189,6 +190,24 @@ TEST(parallel_work, passes_on_what_a_call_throws_when_all_others_have_returned)
         if (threads == 1) {
             EXPECT_EQ(calls, 4);
         }
+    }
+}
+
+TEST(parallel_work, is_done_whole_or_not_begun_when_memory_for_a_thread_is_short)
+{
+    constexpr int ALL = 100;
+    for (long number = 0; number < 20; ++number) {
+        SCOPED_TRACE(number);
+        std::atomic<int> calls{0};
+        bool is_begun = true;
+        allocations_left = number;
+        try {
+            run_parallel(ALL, 4, [&calls](std::size_t) { ++calls; });
+        } catch (const std::bad_alloc&) {
+            is_begun = false;
+        }
+        allocations_left = -1;
+        EXPECT_EQ(calls, is_begun ? ALL : 0);
     }
 }
 
