@@ -96,7 +96,7 @@ void NIVO_STYLE::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
         fill_outline(*painter, outline_of(option->palette).lighter(108), option->rect);
         return;
     }
-    const bool is_at_rest = !option->state.testFlag(State_MouseOver) && !option->state.testFlag(State_Sunken);
+    const bool is_at_rest = (option->state & (State_MouseOver | State_Sunken | State_HasFocus)) == 0;
     if (element == PE_PanelButtonTool && m_fills_frames && is_at_rest &&
         option->state.testFlag(State_AutoRaise) && option->state.testFlag(State_On)) {
         painter->fillRect(option->rect, color_of_button_that_is_on(option->palette));

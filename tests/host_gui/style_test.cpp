@@ -121,6 +121,7 @@ TEST(STYLE_TEST, a_flat_button_that_is_on_stands_out_and_else_looks_as_the_deskt
     EXPECT_EQ(on.pixelColor(0, 0), on.pixelColor(59, 23));
     for (const QStyle::State state :
          {QStyle::State(QStyle::State_Off), QStyle::State_On | QStyle::State_MouseOver,
+          QStyle::State_On | QStyle::State_HasFocus | QStyle::State_KeyboardFocusChange,
           QStyle::State_On | QStyle::State_Sunken, QStyle::State_Off | QStyle::State_Raised}) {
         EXPECT_EQ(picture(style, state), picture(*desktops, state)) << static_cast<int>(state);
     }
